@@ -1,0 +1,36 @@
+# What every target of the project is compiled with: link zt_compile_options privately.
+
+add_library(zt_compile_options INTERFACE)
+target_include_directories(zt_compile_options INTERFACE ${PROJECT_SOURCE_DIR})
+
+if(MSVC)
+  target_compile_options(zt_compile_options INTERFACE /W4 /permissive- /utf-8)
+  if(ZT_WARNINGS_AS_ERRORS)
+    target_compile_options(zt_compile_options INTERFACE /WX)
+  endif()
+else()
+  target_compile_options(zt_compile_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+  if(ZT_WARNINGS_AS_ERRORS)
+    target_compile_options(zt_compile_options INTERFACE -Werror)
+  endif()
+endif()
+
+# GCC 12 and 13 see an overlap in std::string's operator+ that is not there, when they optimise.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 14)
+  target_compile_options(zt_compile_options INTERFACE -Wno-restrict)
+endif()
+
+if(ZT_SANITIZE)
+  target_compile_options(zt_compile_options INTERFACE
+    -fsanitize=${ZT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(zt_compile_options INTERFACE -fsanitize=${ZT_SANITIZE})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # GCC sees uninitialised values that are not there once it has put the sanitizers' code in.
+    target_compile_options(zt_compile_options INTERFACE -Wno-maybe-uninitialized)
+  endif()
+endif()
+
+if(ZT_COVERAGE)
+  target_compile_options(zt_compile_options INTERFACE --coverage -O0)
+  target_link_options(zt_compile_options INTERFACE --coverage)
+endif()

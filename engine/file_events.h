@@ -1,0 +1,26 @@
+// File behaviours: each becomes at most two steps of file state machines, and keeps the process's lists.
+
+#ifndef ZT_ENGINE_FILE_EVENTS_H
+#define ZT_ENGINE_FILE_EVENTS_H
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "engine/context.h"
+#include "engine/event_processor.h"
+
+namespace zt {
+
+/// Applies the file behaviour of `event` to the records of `process`; any other behaviour does nothing. Returns and fills
+/// `path` as ZtProcessLogItem does. Throws std::bad_alloc with the records consistent.
+std::uint32_t HandleFileEvent(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process,
+                              const ZT_FILE_ITEM*& stepped);
+
+/// A decimal number as the C library reads it: white space, a sign, digits; 0 without digits; beyond 32 bits it stays at the
+/// bound.
+std::int32_t ParseLength(std::wstring_view text);
+
+}  // namespace zt
+
+#endif  // ZT_ENGINE_FILE_EVENTS_H

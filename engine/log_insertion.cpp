@@ -1,0 +1,150 @@
+// The entry of all events: which process an event belongs to, its one or two passes, and the charge of a penalty.
+
+#include <algorithm>
+#include <limits>
+
+#include "engine/context.h"
+#include "engine/event_processor.h"
+#include "engine/parent_penalty.h"
+#include "engine/paths.h"
+#include "engine/tracing.h"
+#include "platform/clock.h"
+
+namespace zt {
+namespace {
+
+constexpr std::uint32_t kMaxScore = 0x7FFFFFFF;
+
+/// Whether events of this behaviour are fed to the parent as well.
+bool IsFileBehavior(std::uint32_t behavior) { return behavior - 0x4001 <= 0x3FFE; }
+
+/// The key of the event's process. The event's own time stands in for an unknown start time.
+ZtProcKey EventKey(const _ZtEngineCore& engine, const LOG_ITEM& log) {
+  if (const std::int64_t* time = engine.FindStartTime(log.Pid); time != nullptr) {
+    return {log.Pid, *time};
+  }
+  if (log.Behavior != BehaviorProcessCreate) {
+    ZT_TRACE_DEBUG("Unable to find timestamp for PID %ld", Trace32(log.Pid));
+  }
+  return {log.Pid, log.Time};
+}
+
+/// Feeds the event to its process and, for a file behaviour, to the parent. Returns the greatest penalty, at least 1.
+std::uint32_t RunPasses(_ZtEngineCore& engine, const Event& event, const ZtProcKey& event_key, const ZT_FILE_ITEM*& stepped) {
+  std::uint32_t penalty = std::max(1u, ZtProcessLogItem(engine, event, event_key, stepped, true));
+  const ProcessTree::Entry* process = engine.Tree.Find(event_key);
+  if (!IsFileBehavior(event.log.Behavior) || process == nullptr || NamesNoParent(process->parentKey)) {
+    return penalty;
+  }
+  const ZtProcKey parent_key = process->parentKey;
+  return std::max(penalty, ZtProcessLogItem(engine, event, parent_key, stepped, false));
+}
+
+/// The file that a penalty is charged for, or null. A penalty of the parent's pass is looked up among the files of the event's
+/// own process, too: where that does not know the file, the penalty is dropped.
+ZtFileMap::value_type* ChargeableFile(ProcessTree::Entry* process, const std::wstring& path) {
+  if (process == nullptr) {
+    ZT_TRACE_DEBUG("Pid node not found\n");
+    return nullptr;
+  }
+  const auto file = process->Item.files.find(path);
+  if (file == process->Item.files.end()) {
+    ZT_TRACE_DEBUG("Cannot find file in file context\n");
+    return nullptr;
+  }
+  if (file->second.penalized) {
+    ZT_TRACE_DEBUG("File already penalized\n");
+    return nullptr;
+  }
+  return &*file;
+}
+
+/// Multiplies the scores of the process and of all its ancestors.
+void Charge(_ZtEngineCore& engine, const LOG_ITEM& log, ProcessTree::Entry& process, ZtFileMap::value_type& file,
+            std::uint32_t penalty) {
+  const std::int32_t before = process.Item.Score;
+  file.second.penalized = true;
+  process.Item.Score = MultiplyScore(before, penalty);
+  process.Item.ScoreTime = log.Time;
+  ReportCharge(engine, process.key, ScoreReport::Cause::kPenalty, before, process.Item.Score, penalty, file.first);
+
+  const ParentPenalty charge_parent(penalty, log, file);
+  engine.Tree.Climb(process.key, [&](ProcessTree::Entry& ancestor) {
+    const std::int32_t ancestor_before = ancestor.Item.Score;
+    if (&ancestor != &process && charge_parent(ancestor.Item)) {
+      ReportCharge(engine, ancestor.key, ScoreReport::Cause::kParentPenalty, ancestor_before, ancestor.Item.Score, penalty,
+                   file.first);
+    }
+  });
+}
+
+/// An item's score as the result has it; a score beyond the bound is cut back to it in place.
+std::uint32_t ClampScore(_ZtEngineCore& engine, ProcessTree::Entry& process) {
+  const std::int32_t before = process.Item.Score;
+  if (static_cast<std::uint32_t>(before) > kMaxScore) {
+    process.Item.Score = kMaxScore;
+    ReportScore(engine, process.key, ScoreReport::Cause::kClamp, before, process.Item.Score);
+  }
+  return static_cast<std::uint32_t>(process.Item.Score);
+}
+
+/// The larger of the process's and its parent's score. The walk reads the process and then the same parent again for every
+/// further step that the limit allows; it never reaches the grandparents.
+std::uint32_t WalkScores(_ZtEngineCore& engine, ProcessTree::Entry& process) {
+  if (engine.ScoreWalkLimit == 0) {
+    return 0;
+  }
+  const std::uint32_t score = ClampScore(engine, process);
+  ProcessTree::Entry* parent = engine.ScoreWalkLimit > 1 ? engine.Tree.Find(process.parentKey) : nullptr;
+  return parent == nullptr ? score : std::max(score, ClampScore(engine, *parent));
+}
+
+/// Everything that happens under the lock. Returns the call's result.
+std::uint32_t InsertEvent(_ZtEngineCore& engine, const Event& event) {
+  const LOG_ITEM& log = event.log;
+  const ZtProcKey key = EventKey(engine, log);
+  const ZT_FILE_ITEM* stepped = nullptr;
+  const std::uint32_t penalty = RunPasses(engine, event, key, stepped);
+  if (penalty <= 1) {
+    return 0;
+  }
+  // The file is charged under the name that it was filled with: a renamed copy under its first one.
+  const std::wstring path = ToLower(stepped->Path);
+  ZT_TRACE_DEBUG("ProcKey: (%d, %lld) Path: %ws Penalty: %d", Trace32(key.Pid), Trace64(key.Time), path.c_str(), penalty);
+  ProcessTree::Entry* process = engine.Tree.Find(key);
+  ZtFileMap::value_type* file = ChargeableFile(process, path);
+  if (file == nullptr) {
+    return 0;
+  }
+  Charge(engine, log, *process, *file, penalty);
+  const std::uint32_t result = WalkScores(engine, *process);
+  ZT_TRACE_WARNING("|--- [SCORE INCREASED] PID:%ld score: %d, TimeStamp: %lld ---|\n", Trace32(log.Pid), result,
+                   Trace64(log.Time));
+  return result;
+}
+
+/// Exhausted memory must not reach the host from here: an event is then worth nothing.
+std::uint32_t InsertOrIgnore(_ZtEngineCore& engine, const LOG_ITEM& log) {
+  try {
+    const Event event(log);
+    const CriticalSectionLock hold(engine.Lock);
+    return InsertEvent(engine, event);
+  } catch (...) {
+    return 0;
+  }
+}
+
+}  // namespace
+}  // namespace zt
+
+ZtLong ZtInsertLog(std::shared_ptr<void>& engine, const LOG_ITEM* log) {
+  const auto core = zt::AcquireEngine(engine);
+  if (!core || log == nullptr) {
+    return 0;
+  }
+  const std::int64_t start = zt::SteadyNanoseconds();
+  const LOG_ITEM record = *log;
+  const std::uint32_t result = zt::InsertOrIgnore(*core, record);
+  ZT_TRACE_DEBUG("Time past: %lld nanoseconds", zt::Trace64(zt::SteadyNanoseconds() - start));
+  return static_cast<ZtLong>(result);
+}

@@ -1,0 +1,74 @@
+#include "engine/name_match.h"
+
+#include <algorithm>
+
+#include "engine/suspicious_extensions.h"
+#include "engine/tracing.h"
+
+namespace zt {
+namespace {
+
+bool Contains(std::wstring_view text, std::wstring_view part) { return text.find(part) != std::wstring_view::npos; }
+
+// For traces, which want a terminator.
+std::wstring Text(std::wstring_view view) { return std::wstring(view); }
+
+/// Whether the process showed this difference last; if not, learns it.
+bool MatchesOrLearn(std::wstring& name_diff, std::wstring_view difference) {
+  if (name_diff == difference) {
+    return true;
+  }
+  name_diff = difference;
+  return false;
+}
+
+/// The item's whole name stands in the target's at `position`: what was put around it is the difference.
+bool MatchContainedName(std::wstring& name_diff, const TargetName& target, std::wstring_view item_name, std::size_t position) {
+  std::wstring difference(target.name.substr(0, position));
+  difference += target.name.substr(position + item_name.size());
+  ZT_TRACE_DEBUG_AT(233, "Name diff: %ws", difference.c_str());
+  return MatchesOrLearn(name_diff, difference);
+}
+
+/// The extension is new. Its dot makes it differ from every common extension, which are listed without: none is excused.
+bool MatchNewExtension(std::wstring& name_diff, const TargetName& target, std::wstring_view item_stem) {
+  if (std::find(SuspiciousExtensions.begin(), SuspiciousExtensions.end(), target.dotted) != SuspiciousExtensions.end()) {
+    return false;
+  }
+  return item_stem.size() == target.stem.size() && MatchesOrLearn(name_diff, target.dotted);
+}
+
+/// The extension stayed and the stem has grown: its tail is the difference.
+bool MatchGrownStem(std::wstring& name_diff, const TargetName& target, std::wstring_view item_name,
+                    std::wstring_view item_stem) {
+  const std::wstring_view difference = target.stem.substr(item_stem.size());
+  ZT_TRACE_DEBUG_AT(255, "Ext diff: %ws, targetname: %ws, itemname: %ws", Text(difference).c_str(), Text(target.name).c_str(),
+                    Text(item_name).c_str());
+  return MatchesOrLearn(name_diff, difference);
+}
+
+}  // namespace
+
+bool MatchName(std::wstring& name_diff, const TargetName& target, std::wstring_view item_name) {
+  const std::size_t position = target.name.find(item_name);
+  if (position != std::wstring_view::npos) {
+    return MatchContainedName(name_diff, target, item_name, position);
+  }
+  const std::wstring_view item_stem = Stem(item_name);
+  if (target.dotted.empty() || !Contains(target.name, item_stem)) {
+    return false;
+  }
+  const std::wstring_view item_dotted = DottedExtension(item_name);
+  ZT_TRACE_DEBUG_AT(242, "Extension is %ws, extension2 is %ws, itemext is %ws", Text(target.dotted).c_str(),
+                    Text(target.after_first_dot).c_str(), Text(item_dotted).c_str());
+  // The extension took the dot's place: the item's name is as long as the target's stem.
+  if (Contains(target.name, LastExtension(item_name)) && UpToZero(item_name).size() == UpToZero(target.stem).size()) {
+    return MatchesOrLearn(name_diff, target.dotted);
+  }
+  if (target.dotted == target.after_first_dot || target.dotted != item_dotted || !Contains(target.stem, item_stem)) {
+    return MatchNewExtension(name_diff, target, item_stem);
+  }
+  return MatchGrownStem(name_diff, target, item_name, item_stem);
+}
+
+}  // namespace zt

@@ -1,0 +1,33 @@
+// Pure functions on wide paths. Views in, views out: nothing is copied but by ToLower.
+
+#ifndef ZT_ENGINE_PATHS_H
+#define ZT_ENGINE_PATHS_H
+
+#include <string>
+#include <string_view>
+
+namespace zt {
+
+/// Up to, not including, the last "\"; the whole path when it has none.
+std::wstring_view Folder(std::wstring_view path);
+/// After the last "\"; the whole path when it has none.
+std::wstring_view Name(std::wstring_view path);
+/// A name up to, not including, its last "."; the whole name when it has none.
+std::wstring_view Stem(std::wstring_view name);
+/// A name after its last "."; the whole name when it has none.
+std::wstring_view LastExtension(std::wstring_view name);
+/// A name after its first "."; the whole name when it has none.
+std::wstring_view AfterFirstDot(std::wstring_view name);
+/// From the last "." that no space or "\" follows, with the dot; empty when there is none. Reads up to the first zero unit.
+std::wstring_view DottedExtension(std::wstring_view name);
+/// After the last "\", "/" or ":" that something other than a "\" or "/" follows; the whole path when there is none. Reads up
+/// to the first zero unit.
+std::wstring_view FileNamePart(std::wstring_view path);
+/// Up to the first zero unit.
+std::wstring_view UpToZero(std::wstring_view text);
+/// Each unit by towlower in the process's locale.
+std::wstring ToLower(std::wstring_view text);
+
+}  // namespace zt
+
+#endif  // ZT_ENGINE_PATHS_H

@@ -1,0 +1,60 @@
+// The periodic clean-up: old scores fall back to 1, old file records are forgotten, exited processes leave the tree.
+
+#include "engine/context.h"
+#include "engine/tracing.h"
+
+namespace zt {
+namespace {
+
+/// Age of a stamp in milliseconds. Any two stamps have an age: the subtraction wraps.
+std::int64_t Age(std::int64_t now, std::int64_t stamp) {
+  return static_cast<std::int64_t>(static_cast<std::uint64_t>(now) - static_cast<std::uint64_t>(stamp)) / 10000;
+}
+
+void ResetOldScore(_ZtEngineCore& engine, ProcessTree::Entry& process, std::int64_t now, std::int64_t score_age_limit) {
+  ZT_PID_ITEM& item = process.Item;
+  if (Age(now, item.ScoreTime) <= score_age_limit) {
+    return;
+  }
+  const std::int32_t before = item.Score;
+  if (IsSuspicious(item)) {
+    ZT_TRACE_INFO_AT(1253, "GC: reset %ld %d to 1\n", Trace32(item.Pid), before);
+  }
+  item.Score = 1;
+  ReportScore(engine, process.key, ScoreReport::Cause::kReset, before, item.Score);
+}
+
+void ForgetOldFiles(const _ZtEngineCore& engine, ZT_PID_ITEM& item, std::int64_t now) {
+  for (auto file = item.files.begin(); file != item.files.end();) {
+    const std::int64_t age = Age(now, file->second.FirstTime);
+    if (age <= engine.fileKeepTime || file->second.Similar) {
+      ++file;
+      continue;
+    }
+    ZT_TRACE_DEBUG_AT(1263, "File %ws does not need recovery, will be erased from file context. Time elapsed %lld",
+                      file->first.c_str(), Trace64(age));
+    file = item.files.erase(file);
+  }
+}
+
+}  // namespace
+}  // namespace zt
+
+void ZtResetScore(std::shared_ptr<void>& engine, std::int64_t now, std::int64_t scoreAgeLimit) {
+  const auto core = zt::AcquireEngine(engine);
+  if (!core) {
+    return;
+  }
+  const zt::CriticalSectionLock hold(core->Lock);
+  ZT_TRACE_DEBUG_AT(1248, "ZtResetScore start :: ProcTree size: %u", static_cast<std::uint32_t>(core->Tree.size()));
+  for (auto& [key, process] : core->Tree) {
+    zt::ResetOldScore(*core, process, now, scoreAgeLimit);
+    zt::ForgetOldFiles(*core, process.Item, now);
+  }
+  core->Tree.CollectExited();
+  for (const auto& [key, process] : core->Tree) {
+    ZT_TRACE_DEBUG_AT(1272, "PID: %ld", zt::Trace32(process.Item.Pid));
+  }
+  // The two size lines differ in the space before the colons; readers of traces search for both as they are.
+  ZT_TRACE_DEBUG_AT(1275, "ZtResetScore end:: ProcTree size: %u", static_cast<std::uint32_t>(core->Tree.size()));
+}

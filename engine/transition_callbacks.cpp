@@ -1,0 +1,178 @@
+#include "engine/transition_callbacks.h"
+
+#include <string_view>
+#include <utility>
+
+#include "engine/tracing.h"
+#include "engine/transition_table.h"
+
+namespace zt {
+namespace {
+
+// What a step tells of a file: nothing, its content is destroyed or replaced, or an original was deleted or renamed away after
+// a similar copy of it was written.
+constexpr std::uint64_t kNoPenalty = 0;
+constexpr std::uint64_t kReplaced = 2;
+constexpr std::uint64_t kOriginalGone = 6;
+
+void TraceCallback([[maybe_unused]] const char* name) { ZT_TRACE_DEBUG("Callback: %s", name); }
+void TraceLabel([[maybe_unused]] const char* label) { ZT_TRACE_DEBUG("%s", label); }
+
+}  // namespace
+
+std::uint64_t UnknownCreate(TransitionContext* context) {
+  TraceCallback("UnknownCreate");
+  ZT_FILE_ITEM& item = *context->Item;
+  const LOG_ITEM& log = *context->Log;
+  if (log.TargetPid == 0) {
+    return kNoPenalty;
+  }
+  item.Path = *context->FilePath;  // First: it may throw, and the record is to stay as it was then.
+  item.State = ZT_OPEN_EXISTING;
+  item.FirstTime = log.Time;
+  item.Context = log.Context;
+  item.CreateInfo = static_cast<std::uint32_t>(log.TargetPid);
+  item.Created = item.Created || log.Behavior == BehaviorCreateNew;
+  TraceLabel("ZT_OPEN_EXISTING");
+  return kNoPenalty;
+}
+
+std::uint64_t DeletedCreate(TransitionContext* context) {
+  TraceCallback("DeletedCreate");
+  if (context->Log->TargetPid != 0) {
+    return kNoPenalty;
+  }
+  context->Item->State = ZT_READ_START;
+  TraceLabel("ZT_READ_START: Found creating already deleted file with identical name");
+  return kNoPenalty;
+}
+
+std::uint64_t OpenExistingRead(TransitionContext* context) {
+  TraceCallback("OpenExistingRead");
+  ZT_FILE_ITEM& item = *context->Item;
+  item.State = ZT_READ_START;
+  item.ReadInfo = context->ReadInfo;
+  item.ReadStarted = true;
+  TraceLabel("ZT_READ_START");
+  return kNoPenalty;
+}
+
+std::uint64_t OpenReadSync(TransitionContext* context) {
+  TraceCallback("OpenReadSync");
+  ZT_FILE_ITEM& item = *context->Item;
+  item.State = ZT_SECTION_SYNC;
+  TraceLabel("LB_PreSectionSync ZT_READ_START");
+  if (!item.Renamed) {
+    return kNoPenalty;
+  }
+  item.State = ZT_RENAME_SECTION_SYNC;
+  item.Written = true;
+  item.Similar = true;
+  context->SectionRenamed = 1;
+  TraceLabel("ZT_RENAME_SECTION_SYNC");
+  return kReplaced;
+}
+
+std::uint64_t ReadWrite(TransitionContext* context) {
+  TraceCallback("ReadWrite");
+  if (context->SimilarFound) {
+    return kNoPenalty;
+  }
+  context->Item->State = ZT_OVERWRITE;
+  context->Item->Written = true;
+  TraceLabel("ZT_OVERWRITE");
+  return kReplaced;
+}
+
+std::uint64_t DeleteWrite(TransitionContext* context) {
+  TraceCallback("DeleteWrite");
+  if (!context->SimilarFound) {
+    return kNoPenalty;
+  }
+  context->Item->Written = true;
+  context->Item->Similar = true;
+  context->Item->State = ZT_WRITTEN_DELETE;
+  TraceLabel("ZT_DELETE_ORG + ZT_WRITE_SIMILAR");
+  return kOriginalGone;
+}
+
+std::uint64_t SyncWrite(TransitionContext* context) {
+  TraceCallback("SyncWrite");
+  if (!context->SimilarFound) {
+    return kNoPenalty;
+  }
+  context->Item->State = ZT_OVERWRITE;
+  context->Item->Written = true;
+  context->Item->Similar = true;
+  TraceLabel("ZT_SECTION_SYNC + ZT_WRITE_SIMILAR");
+  return kReplaced;
+}
+
+std::uint64_t WriteSimilarDelete(TransitionContext* context) {
+  TraceCallback("WriteSimilarDelete");
+  context->Item->Written = true;
+  context->Item->State = ZT_WRITTEN_DELETE;
+  TraceLabel("ZT_WRITTEN_DELETE");
+  return kOriginalGone;
+}
+
+// Reports nothing: a deleted original counts only when a similar copy is written then, or its name is renamed onto.
+std::uint64_t ReadDelete(TransitionContext* context) {
+  TraceCallback("ReadDelete");
+  context->Item->State = ZT_DELETE_ORG;
+  TraceLabel("ZT_DELETE_ORG");
+  return kNoPenalty;
+}
+
+std::uint64_t DeleteOrgRename(TransitionContext* context) {
+  TraceCallback("DeleteOrgRename");
+  if (!context->SimilarFound) {
+    return kNoPenalty;
+  }
+  context->Item->Written = true;
+  context->Item->Similar = true;
+  context->Item->State = ZT_WRITTEN_DELETE;
+  TraceLabel("ZT_DELETE_ORG + Renamed + ZT_WRITE_SIMILAR");
+  return kOriginalGone;
+}
+
+std::uint64_t SyncRename(TransitionContext* context) {
+  TraceCallback("SyncRename");
+  if (context->SimilarFound) {
+    return kNoPenalty;
+  }
+  context->Item->State = ZT_RENAME_SECTION_SYNC;
+  context->Item->Written = true;
+  TraceLabel("ZT_RENAME_SECTION_SYNC");
+  return kReplaced;
+}
+
+// The first move of a process's similar files into another folder arms the rule, the second into the same folder fires it.
+std::uint64_t WriteSimilarRename(TransitionContext* context) {
+  TraceCallback("WriteSimilarRename");
+  ZT_FILE_ITEM& item = *context->Item;
+  if (!item.ReadStarted || !item.SimilarMark) {
+    return kNoPenalty;
+  }
+  const std::wstring& destination = context->DestPath;
+  const std::size_t last = destination.rfind(L'\\');
+  if (last == std::wstring::npos) {
+    ZT_TRACE_DEBUG("Cannot find \\ in Dst:%ws", destination.c_str());
+    return kNoPenalty;
+  }
+  // Characters are compared, not folders: a longer source that only begins alike counts as the same folder.
+  std::wstring folder = destination.substr(0, last);
+  if (std::wstring_view(context->SourcePath).substr(0, last) == folder) {
+    return kNoPenalty;
+  }
+  ZT_TRACE_DEBUG("New folder:%ws", folder.c_str());
+  if (folder != *context->PrevFolder) {
+    *context->PrevFolder = std::move(folder);
+    return kNoPenalty;
+  }
+  item.State = ZT_WRITE_SIMILAR_SYNC;
+  TraceLabel("Same folder as previous, ZT_WRITE_SIMILAR_SYNC");
+  return kReplaced;
+}
+
+}  // namespace zt

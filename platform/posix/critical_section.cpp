@@ -1,0 +1,39 @@
+#include "platform/critical_section.h"
+
+#include <pthread.h>
+
+#include <new>
+
+namespace zt {
+namespace {
+
+// Init made the mutex in the storage, so the storage holds one wherever this is called.
+pthread_mutex_t* MutexIn(std::byte* storage) { return std::launder(reinterpret_cast<pthread_mutex_t*>(storage)); }
+
+}  // namespace
+
+CriticalSection::~CriticalSection() { Delete(); }
+
+void CriticalSection::Init() {
+  static_assert(sizeof(pthread_mutex_t) <= sizeof(storage_));
+  auto* const mutex = new (storage_) pthread_mutex_t;
+  pthread_mutexattr_t attributes;
+  pthread_mutexattr_init(&attributes);
+  pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
+  pthread_mutex_init(mutex, &attributes);
+  pthread_mutexattr_destroy(&attributes);
+  initialised_ = true;
+}
+
+void CriticalSection::Delete() {
+  if (initialised_) {
+    initialised_ = false;
+    pthread_mutex_destroy(MutexIn(storage_));
+  }
+}
+
+void CriticalSection::Enter() { pthread_mutex_lock(MutexIn(storage_)); }
+
+void CriticalSection::Leave() { pthread_mutex_unlock(MutexIn(storage_)); }
+
+}  // namespace zt

@@ -1,0 +1,34 @@
+#include "platform/critical_section.h"
+
+#include <windows.h>
+
+#include <new>
+
+namespace zt {
+namespace {
+
+// Init made the section in the storage, so the storage holds one wherever this is called.
+CRITICAL_SECTION* SectionIn(std::byte* storage) { return std::launder(reinterpret_cast<CRITICAL_SECTION*>(storage)); }
+
+}  // namespace
+
+CriticalSection::~CriticalSection() { Delete(); }
+
+void CriticalSection::Init() {
+  static_assert(sizeof(CRITICAL_SECTION) <= sizeof(storage_));
+  InitializeCriticalSection(new (storage_) CRITICAL_SECTION);
+  initialised_ = true;
+}
+
+void CriticalSection::Delete() {
+  if (initialised_) {
+    initialised_ = false;
+    DeleteCriticalSection(SectionIn(storage_));
+  }
+}
+
+void CriticalSection::Enter() { EnterCriticalSection(SectionIn(storage_)); }
+
+void CriticalSection::Leave() { LeaveCriticalSection(SectionIn(storage_)); }
+
+}  // namespace zt

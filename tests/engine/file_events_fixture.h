@@ -1,0 +1,73 @@
+// The fixture of the file events' tests: one process, its file records, and what an event traces.
+
+#ifndef ZT_TESTS_ENGINE_FILE_EVENTS_FIXTURE_H
+#define ZT_TESTS_ENGINE_FILE_EVENTS_FIXTURE_H
+
+#include <algorithm>
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/tracing.h"
+#include "engine/transition_table.h"
+#include "tests/support/engine_test.h"
+
+namespace zt::testing {
+
+/// The process 10, which has no parent, so that every event is processed once.
+class FileEventsTest : public EngineTest {
+ protected:
+  static constexpr std::uint64_t kPid = 10;
+
+  FileEventsTest() { StartProcess(kPid); }
+
+  ZT_PID_ITEM& Process() { return *ItemOf(kPid); }
+
+  /// A record in the given state, as though earlier events had led there.
+  ZT_FILE_ITEM& Track(const std::wstring& path, FileState state) {
+    ZT_FILE_ITEM& file = Process().files[path];
+    file.State = state;
+    file.Path = path;
+    return file;
+  }
+  ZT_FILE_ITEM& File(const std::wstring& path) { return Process().files.at(path); }
+  bool IsTracked(const std::wstring& path) { return Process().files.count(path) != 0; }
+  std::vector<std::wstring> Quarantined() { return Paths(Process().QuarantineList); }
+  std::vector<std::wstring> CreatedFiles() { return Paths(Process().CreatedFilesList); }
+
+  /// A record's state and the names of its flags that are set, e.g. "2 Similar ReadStarted".
+  static std::string Summary(const ZT_FILE_ITEM& file) {
+    std::string text = std::to_string(file.State);
+    for (const auto& [flag, name] :
+         {std::pair{file.Written, " Written"}, std::pair{file.Similar, " Similar"}, std::pair{file.Renamed, " Renamed"},
+          std::pair{file.SimilarMark, " SimilarMark"}, std::pair{file.Created, " Created"},
+          std::pair{file.ReadStarted, " ReadStarted"}, std::pair{file.penalized, " penalized"}}) {
+      if (flag) {
+        text += name;
+      }
+    }
+    return text;
+  }
+  std::string Summary(const std::wstring& path) { return IsTracked(path) ? Summary(File(path)) : "not tracked"; }
+
+  /// What the file events trace while the event is inserted: all but the frame that every event has.
+  std::vector<std::string> MessagesOf(const LOG_ITEM& log) {
+    TraceCapture trace(kTraceDebug);
+    Insert(log);
+    std::vector<std::string> messages = trace.TakeMessages();
+    messages.erase(std::remove_if(messages.begin(), messages.end(), IsFrame), messages.end());
+    return messages;
+  }
+
+ private:
+  static bool IsFrame(const std::string& message) {
+    const auto begins = [&message](const char* text) { return message.starts_with(text); };
+    return begins("=====") || begins("[[ log: ") || begins("log: ") || begins("ProcKey: ") || begins("Time past: ");
+  }
+};
+
+}  // namespace zt::testing
+
+#endif  // ZT_TESTS_ENGINE_FILE_EVENTS_FIXTURE_H

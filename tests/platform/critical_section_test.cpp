@@ -1,0 +1,87 @@
+#include "platform/critical_section.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+namespace zt {
+namespace {
+
+TEST(CriticalSectionTest, LifeIsExplicit) {
+  CriticalSection section;
+  EXPECT_FALSE(section.IsInitialised());
+  section.Init();
+  EXPECT_TRUE(section.IsInitialised());
+  section.Delete();
+  EXPECT_FALSE(section.IsInitialised());
+}
+
+TEST(CriticalSectionTest, DeleteWithoutInitDoesNothing) {
+  CriticalSection section;
+  section.Delete();
+  section.Init();
+  section.Delete();
+  section.Delete();
+  EXPECT_FALSE(section.IsInitialised());
+}
+
+TEST(CriticalSectionTest, LockCanBeMadeAgain) {
+  CriticalSection section;
+  for (int life = 0; life < 3; ++life) {
+    section.Init();
+    { const CriticalSectionLock lock(section); }
+    section.Delete();
+  }
+}
+
+TEST(CriticalSectionTest, HolderMayEnterAgain) {
+  CriticalSection section;
+  section.Init();
+  const CriticalSectionLock outer(section);
+  const CriticalSectionLock inner(section);
+}
+
+TEST(CriticalSectionTest, OthersWaitForTheLastLeave) {
+  CriticalSection section;
+  section.Init();
+  int stage = 0;
+  int seen = -1;
+  section.Enter();
+  section.Enter();
+  std::thread other([&] {
+    const CriticalSectionLock lock(section);
+    seen = stage;
+  });
+  stage = 1;
+  section.Leave();
+  stage = 2;
+  section.Leave();
+  other.join();
+  EXPECT_EQ(seen, 2);
+}
+
+TEST(CriticalSectionTest, OneThreadAtATime) {
+  constexpr int kThreadCount = 4;
+  constexpr int kRounds = 20000;
+  CriticalSection section;
+  section.Init();
+  int count = 0;
+  std::vector<std::thread> threads;
+  threads.reserve(kThreadCount);
+  for (int thread = 0; thread < kThreadCount; ++thread) {
+    threads.emplace_back([&] {
+      for (int round = 0; round < kRounds; ++round) {
+        const CriticalSectionLock lock(section);
+        ++count;
+      }
+    });
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+  EXPECT_EQ(count, kThreadCount * kRounds);
+}
+
+}  // namespace
+}  // namespace zt

@@ -1,0 +1,34 @@
+// What the trace library asks of the system. Tests put their own in its place.
+
+#ifndef ZT_TRACE_TRACE_ENVIRONMENT_H
+#define ZT_TRACE_TRACE_ENVIRONMENT_H
+
+#include <cstdint>
+#include <string_view>
+
+#include "platform/clock.h"
+#include "platform/console.h"
+#include "platform/debugger.h"
+#include "platform/process_ids.h"
+
+namespace zt {
+
+/// Plain functions, so that the library's state needs no construction and can be used before and after all other objects live.
+/// All may be called from any thread; the writing ones are called under the trace lock.
+struct TraceEnvironment {
+  std::uint64_t (*file_time_now)() = &FileTimeNow;
+  LocalTime (*to_local_time)(std::int64_t unix_seconds) = &ToLocalTime;
+  std::int64_t (*performance_counter)() = &PerformanceCounter;
+  std::uint32_t (*process_id)() = &CurrentProcessId;
+  std::uint32_t (*thread_id)() = &CurrentThreadId;
+  void (*write_console)(std::string_view text) = &WriteConsoleText;
+  SavedConsoleColor (*set_console_color)(ConsoleColor color) = &SetConsoleColor;
+  void (*restore_console_color)(SavedConsoleColor saved) = &RestoreConsoleColor;
+  void (*write_debugger)(std::string_view text) = &WriteDebuggerText;
+};
+
+inline constexpr TraceEnvironment kSystemEnvironment;
+
+}  // namespace zt
+
+#endif  // ZT_TRACE_TRACE_ENVIRONMENT_H
