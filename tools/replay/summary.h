@@ -1,0 +1,39 @@
+// What a replay found, for people.
+
+#ifndef ZT_TOOLS_REPLAY_SUMMARY_H
+#define ZT_TOOLS_REPLAY_SUMMARY_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "tools/replay/input/capture_reader.h"
+#include "tools/replay/process_ledger.h"
+#include "tools/replay/session.h"
+
+namespace replay {
+
+/// What a summary tells of.
+struct Summary {
+  std::string capture;  ///< Its name as messages have it.
+  std::int32_t alarm = 0;
+  ReadCounts read;
+  FeedCounts fed;
+  double seconds = 0;                            ///< Wall time of the replay.
+  std::vector<const ProcessRecord*> alarmed;     ///< Processes that reached the alarm, in the order in which they did.
+  std::vector<const ProcessRecord*> suspicious;  ///< Others that were suspicious, in the order in which they first came up.
+
+  /// Events and other calls of the capture in a second of wall time; 0 where no time passed.
+  [[nodiscard]] double EventsPerSecond() const;
+};
+
+/// Sorts the records of `ledger`, which the result refers to, into the two lists of `summary`.
+void AddProcesses(Summary& summary, const ProcessLedger& ledger);
+
+/// The text, with color sequences only where `colors` asks for them. Control characters of the capture's paths never get
+/// through.
+std::string SummaryText(const Summary& summary, bool colors);
+
+}  // namespace replay
+
+#endif  // ZT_TOOLS_REPLAY_SUMMARY_H
