@@ -1,0 +1,79 @@
+// The time of one event where 1,000 files are tracked in one folder and where 100,000 or 1,000,000 are.
+//
+// Events come in batches on files that no event but open and read has met before. A small folder is made anew for each batch;
+// the large ones are made once, and all batches together touch a few percent of their files, so what is tracked stays about the
+// same in both.
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "bench/cpu_time.h"
+#include "bench/folder.h"
+
+namespace zt::bench {
+namespace {
+
+using Folder = TrackedFolder<RealEngine>;
+
+constexpr std::size_t kBatch = 200;
+constexpr std::size_t kBatches = 50;
+constexpr std::int64_t kLargeFolder = 100000;
+
+constexpr std::array kKinds = {
+    EventKind{"read", MakeRead},
+    EventKind{"write", MakeWrite},
+    EventKind{"write_unknown", MakeUnknownWrite},
+    EventKind{"write_copy", MakeCopyWrite},
+    EventKind{"create", MakeOpenOfNewPath},
+    EventKind{"delete", MakeDelete},
+    EventKind{"rename", MakeRename},
+    EventKind{"move", MakeMove},
+};
+
+std::shared_ptr<Folder> FolderOf(std::int64_t files) {
+  static std::map<std::int64_t, std::shared_ptr<Folder>> large;
+  if (files < kLargeFolder) {
+    return std::make_shared<Folder>(static_cast<std::size_t>(files));
+  }
+  std::shared_ptr<Folder>& folder = large[files];
+  if (!folder) {
+    folder = std::make_shared<Folder>(static_cast<std::size_t>(files));
+  }
+  return folder;
+}
+
+void FeedBatches(benchmark::State& state, EventMaker make) {
+  double seconds = 0;
+  for (auto _ : state) {
+    const auto folder = FolderOf(state.range(0));
+    const std::vector<LOG_ITEM> events = folder->NextEvents(make, kBatch);
+    const double start = CpuSeconds();
+    for (const LOG_ITEM& event : events) {
+      folder->Insert(event);
+    }
+    const double time = CpuSeconds() - start;
+    state.SetIterationTime(time);
+    seconds += time;
+  }
+  state.counters["ns"] = seconds * 1e9 / static_cast<double>(static_cast<std::size_t>(state.iterations()) * kBatch);
+}
+
+[[maybe_unused]] const bool kRegistered = [] {
+  for (const std::int64_t files : {1000, 100000, 1000000}) {
+    for (const EventKind& kind : kKinds) {
+      benchmark::RegisterBenchmark((std::string("Event/") + kind.name).c_str(), FeedBatches, kind.make)
+          ->Arg(files)
+          ->Iterations(kBatches)
+          ->UseManualTime()
+          ->Unit(benchmark::kMicrosecond);
+    }
+  }
+  return true;
+}();
+
+}  // namespace
+}  // namespace zt::bench
