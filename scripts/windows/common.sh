@@ -1,0 +1,148 @@
+# What the scripts beside this file share; sourced by them.
+# shellcheck shell=bash
+
+set -euo pipefail
+
+# Where a script says that this machine cannot do what is asked, it exits with this status: a caller counts that as skipped.
+readonly STATUS_CANNOT=77
+
+PROJECT=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+# What is ready for use stands here, much of it as links into the cache.
+# shellcheck disable=SC2034
+readonly PROJECT WINDOWS_BUILD=$PROJECT/build/windows
+# Kept for all checkouts of this machine's user.
+readonly CACHE=${XDG_CACHE_HOME:-$HOME/.cache}/zteng
+mkdir -p "$CACHE"
+
+say() { printf '== %s\n' "$*"; }
+
+fail() {
+  echo "${0##*/}: $*" >&2
+  exit 1
+}
+
+cannot() {
+  echo "${0##*/}: $*" >&2
+  exit "$STATUS_CANNOT"
+}
+
+# as_root COMMAND...: runs it as root, by way of sudo where needed.
+as_root() {
+  if ((EUID == 0)); then
+    "$@"
+  else
+    sudo -n "$@"
+  fi
+}
+
+can_be_root() { ((EUID == 0)) || sudo -n true 2>/dev/null; }
+
+# need PACKAGE...: installs those that are missing.
+need() {
+  local missing=() package
+  for package in "$@"; do
+    [[ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" == installed ]] || missing+=("$package")
+  done
+  ((${#missing[@]})) || return 0
+  command -v apt-get >/dev/null || cannot "needs a Debian system"
+  can_be_root || cannot "these packages are missing and only root can install them: ${missing[*]}"
+  say "Installing ${missing[*]}"
+  as_root apt-get update -qq
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null >/dev/null
+}
+
+# quietly LOG COMMAND...: its output goes to the log, and is shown when it fails.
+quietly() {
+  local log=$1
+  shift
+  "$@" >>"$log" 2>&1 </dev/null || {
+    tail -n 40 "$log" >&2
+    fail "failed: $* (all of its output is in $log)"
+  }
+}
+
+# build_in_cache NAME FUNCTION: runs FUNCTION FOLDER, unless the cache has NAME already, and keeps the folder under that name.
+# Half-made folders never get the name.
+build_in_cache() {
+  local target=$CACHE/$1 function=$2
+  exec {lock}>"$CACHE/.$1.lock"
+  flock "$lock"
+  if [[ ! -d $target ]]; then
+    local new=$target.new
+    as_owner_of "$new" rm -rf "$new"
+    mkdir "$new"
+    "$function" "$new"
+    mv "$new" "$target"
+  fi
+  exec {lock}>&-
+}
+
+# A folder that root made can only be removed by root.
+as_owner_of() {
+  local folder=$1
+  shift
+  if [[ -e $folder && ! -O $folder ]]; then
+    as_root "$@"
+  else
+    "$@"
+  fi
+}
+
+# link_from_build CACHE_NAME LINK: build/windows/LINK leads to the cached folder.
+link_from_build() {
+  local link=$WINDOWS_BUILD/$2
+  mkdir -p "$(dirname "$link")"
+  ln -sfn "$CACHE/$1" "$link"
+}
+
+# debian_archives: one line "URI SUITE" for each Debian archive that this machine installs from, additions such as security
+# updates last: mirrors are less likely to be complete there.
+debian_archives() {
+  # shellcheck disable=SC2016
+  apt-get indextargets --format '$(ORIGIN)|$(REPO_URI) $(RELEASE)' 'Created-By: Packages' | sed -n 's/^Debian|//p' | sort -u | sort -k 2,2 -t ' '
+}
+
+# sources_apt COMMAND...: apt with the machine's own archives as sources of source packages, and with state of its own, so that
+# the machine's configuration stays as it is.
+sources_apt() {
+  local apt=$CACHE/apt command=$1
+  shift
+  mkdir -p "$apt"/{lists/partial,archives/partial}
+  if [[ ! -s $apt/sources.list ]]; then
+    local archives
+    archives=$(debian_archives)
+    [[ -n $archives ]] || cannot "apt knows no Debian archive (apt-get update may be due)"
+    sed -E 's/$/ main/; s/^/deb-src /' <<<"$archives" >"$apt/sources.list"
+  fi
+  "$command" -o Dir::Etc::SourceList="$apt/sources.list" -o Dir::Etc::SourceParts=- -o Dir::State::Lists="$apt/lists" \
+    -o Dir::Cache="$apt" -o Dir::Cache::Archives="$apt/archives" -o APT::Sandbox::User= "$@"
+}
+
+# Reads the lists of source packages; once is enough while they lead to files that still exist.
+update_sources() { quietly "$CACHE/apt.log" sources_apt apt-get update; }
+
+# source_version PACKAGE: the newest version of a source package.
+source_version() {
+  compgen -G "$CACHE/apt/lists/*Sources*" >/dev/null || update_sources
+  local version
+  version=$(sources_apt apt-cache showsrc --only-source "$1" 2>/dev/null | sed -n 's/^Version: //p' | sort -V | tail -n 1)
+  [[ -n $version ]] || fail "no source package $1 is known"
+  echo "$version"
+}
+
+# fetch_sources FOLDER PACKAGE...: downloads the files of source packages.
+fetch_sources() {
+  local folder=$1
+  shift
+  mkdir -p "$folder"
+  (cd "$folder" && { sources_apt apt-get source -qq --download-only "$@" 2>/dev/null ||
+    { update_sources && sources_apt apt-get source -qq --download-only "$@"; }; }) >>"$CACHE/apt.log" ||
+    fail "cannot download the sources of $*"
+}
+
+# unpack_source FOLDER PACKAGE INTO: unpacks a downloaded source package, Debian's patches applied.
+unpack_source() {
+  local description
+  description=$(compgen -G "$1/$2_*.dsc") || fail "no source of $2 was downloaded"
+  dpkg-source --no-check -x "$description" "$3" >/dev/null
+}
