@@ -31,6 +31,6 @@ if(ZT_SANITIZE)
 endif()
 
 if(ZT_COVERAGE)
-  target_compile_options(zt_compile_options INTERFACE --coverage -O0)
+  target_compile_options(zt_compile_options INTERFACE --coverage -fprofile-update=atomic -O0)
   target_link_options(zt_compile_options INTERFACE --coverage)
 endif()
