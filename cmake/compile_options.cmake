@@ -34,3 +34,15 @@ if(ZT_COVERAGE)
   target_compile_options(zt_compile_options INTERFACE --coverage -fprofile-update=atomic -O0)
   target_link_options(zt_compile_options INTERFACE --coverage)
 endif()
+
+# Checks in the code that is released. Sanitizers look closer, and code that is not optimised has no room for the second.
+set(ZT_COMPILED_CHECKS OFF)
+if(UNIX AND NOT ZT_SANITIZE AND CMAKE_BUILD_TYPE MATCHES "^Rel")
+  set(ZT_COMPILED_CHECKS ON)
+  target_compile_options(zt_compile_options INTERFACE -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+endif()
+# On Windows the system checks the targets of calls, where the compiler knows how to list them: those on Debian do not, as their
+# C library lacks the tables.
+if(MSVC)
+  target_compile_options(zt_compile_options INTERFACE /guard:cf)
+endif()

@@ -21,6 +21,9 @@ inline constexpr std::uint64_t kUnixEpochAsFileTime = 116444736000000000;
 /// 100 ns units in a second.
 inline constexpr std::uint64_t kFileTimePerSecond = 10000000;
 
+/// Milliseconds since the system was started; wraps to 0 after 2^32 of them, some 49 days.
+std::uint32_t SystemUptimeMilliseconds();
+
 /// Current time in 100 ns units since 1 January 1601 UTC, as precise as the system gives it.
 std::uint64_t FileTimeNow();
 

@@ -24,7 +24,9 @@ class CriticalSection {
   void Delete();
   /// Takes the lock, waiting without limit. REQUIRES: initialised.
   void Enter();
-  /// Gives up one Enter. REQUIRES: the calling thread holds the lock.
+  /// Takes the lock if that needs no waiting, and returns whether it did. REQUIRES: initialised.
+  bool TryEnter();
+  /// Gives up one Enter or successful TryEnter. REQUIRES: the calling thread holds the lock.
   void Leave();
   [[nodiscard]] bool IsInitialised() const { return initialised_; }
 

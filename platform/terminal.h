@@ -15,8 +15,8 @@ bool IsTerminal(StandardStream stream);
 /// knows none. On Windows this turns the sequences on for the console first, and is false where it has none.
 bool ShowsColors(StandardStream stream);
 
-/// Makes standard input and standard output carry bytes unchanged, and makes a write to a pipe that nobody reads any more fail
-/// like any other write instead of ending the process. Call once, before either is used. On Windows only the first is needed.
+/// Makes the standard streams carry bytes unchanged, and makes a write to a pipe that nobody reads any more fail like any other
+/// write instead of ending the process. Call once, before any is used. On Windows only the first is needed.
 void PrepareStandardStreams();
 
 }  // namespace zt

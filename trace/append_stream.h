@@ -10,13 +10,14 @@
 
 namespace zt {
 
-/// A log file that is opened when there is something to write, and grows at its end. Called under the trace lock only.
+/// A log file that is opened when there is something to write, and grows at its end; or two, of which one is written to. Called
+/// under the trace lock only.
 class AppendStream {
  public:
-  AppendStream() = default;
+  constexpr AppendStream() = default;
   AppendStream(const AppendStream&) = delete;  // An open file has one owner.
   AppendStream& operator=(const AppendStream&) = delete;
-  virtual ~AppendStream() = default;
+  constexpr virtual ~AppendStream() = default;
 
   [[nodiscard]] virtual bool IsOpen() const = 0;
   /// Opens the file, making it where it is missing. Returns its size in bytes; nothing when it cannot be opened. REQUIRES: it
@@ -26,6 +27,8 @@ class AppendStream {
   virtual std::size_t Append(std::string_view text) = 0;
   /// Writes what is buffered and closes the file; nothing when it is not open.
   virtual void Close() = 0;
+  /// Goes on to the other of two files, which is deleted first. REQUIRES: it is not open, and there are two.
+  virtual void StartNext() = 0;
 };
 
 }  // namespace zt

@@ -10,6 +10,7 @@
 #include "trace/hex_dump.h"
 #include "trace/line_output.h"
 #include "trace/line_prefix.h"
+#include "trace/lock_user.h"
 #include "trace/message_formatter.h"
 #include "trace/number_text.h"
 #include "trace/trace.h"
@@ -23,19 +24,6 @@ using Bytes = std::span<const unsigned char>;
 std::uint64_t LoadFlags() { return TraceFlags.load(std::memory_order_relaxed); }
 
 std::string_view ViewOf(const char* text) { return text == nullptr ? std::string_view() : std::string_view(text); }
-
-// Counts the calling thread among the printers, so that a stop leaves the lock to it. Counting comes before the look at
-// `started`, and a stop clears `started` before it looks at the count: at least one of the two sees the other.
-class Printer {
- public:
-  explicit Printer(TraceState& state) : state_(state) { ++state_.printers; }
-  ~Printer() { --state_.printers; }
-  Printer(const Printer&) = delete;
-  Printer& operator=(const Printer&) = delete;
-
- private:
-  TraceState& state_;
-};
 
 // A line on its builder's stack. The formatter wants room for a whole message and its NUL behind any prefix.
 class Line {
@@ -95,7 +83,7 @@ void TraceWrite(const void* data, std::uint64_t data_length, const char* locatio
     return;
   }
   TraceState& state = SharedTraceState();
-  const Printer printer(state);
+  const LockUser user(state);
   if (!state.started) {
     return;
   }

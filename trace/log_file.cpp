@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "trace/library_lines.h"
 #include "trace/trace.h"
 #include "trace/trace_state.h"
 
@@ -24,6 +25,25 @@ bool EnsureOpen(TraceState& state) {
   return size.has_value();
 }
 
+// Goes on in the other file, which begins with a line that says so. That line tells where the pointer to the memory ring is
+// kept, not where the ring lies: readers of dumps find the pointer, and by it the ring of the moment.
+void Rotate(TraceState& state) {
+  AppendStream& stream = *state.stream;
+  stream.Close();
+  stream.StartNext();
+  if ((TraceFlags.load(std::memory_order_relaxed) & kTraceToFile) == 0) {
+    return;
+  }
+  const auto size = stream.Open();
+  if (size.has_value()) {
+    char message[kMessageCapacity];
+    const LibraryMoment now = LibraryMomentNow(*state.environment);
+    state.file_size = *size + stream.Append(FormatLibraryLine(message, kLogRotatedFormat, now, &state.ring));
+  }
+}
+
+bool IsFull(const TraceState& state) { return state.size_limit != 0 && state.file_size >> 20 >= state.size_limit; }
+
 }  // namespace
 
 void TraceFlushFile(const char* end) {
@@ -34,6 +54,9 @@ void TraceFlushFile(const char* end) {
   }
   if (EnsureOpen(state)) {
     state.file_size += state.stream->Append({state.line_buffer, pending});
+    if (IsFull(state)) {
+      Rotate(state);
+    }
   }
   state.fill = 0;
 }

@@ -45,6 +45,8 @@ void TraceOpenState(std::uint64_t flags, AppendStream* stream) {
   }
   const CriticalSectionLock lock(state.lock);
   state.stream = stream;
+  state.stopping = false;
+  state.process = state.environment->process_id();
   state.module_name = kTraceModuleName;
   TraceFlags.store(flags, std::memory_order_relaxed);
 }
@@ -70,13 +72,15 @@ void TraceCloseState() {
   FreeRing(state);
   state.stream = nullptr;
   TraceFlags.store(0, std::memory_order_relaxed);
+  state.settings_key = nullptr;
+  state.size_limit = 0;
   state.module_name = "";
 }
 
 void TraceMarkStopped() {
   TraceState& state = SharedTraceState();
   state.started = false;
-  if (state.printers == 0) {
+  if (state.lock_users == 0) {
     state.lock.Delete();
   }
 }

@@ -1,11 +1,11 @@
-// The life of the trace library: unstarted, started, unstarted.
+// The steps of the trace library's life: unstarted, started, unstarted. trace/library.h puts them together for hosts.
 //
 // TraceBringUp and TraceTakeDown are made of steps, because what belongs to the start of a log file stands between them: the
 // state is made, then files are chosen, then the library counts as started; and it is emptied under the lock, then helpers are
 // ended without the lock, then the lock goes.
 //
-// The lock outlives a stop while other threads are printing. Each print counts itself in TraceState::printers before it looks
-// at `started`; a stop clears `started` before it looks at the count. A stop that finds a printer leaves the lock initialised,
+// The lock outlives a stop while other threads are printing. Each print counts itself in TraceState::lock_users before it looks
+// at `started`; a stop clears `started` before it looks at the count. A stop that finds a user leaves the lock initialised,
 // and the next start takes it as it is. Nobody waits, so a thread that broke off in the middle of a print cannot block the
 // stop.
 
@@ -39,7 +39,8 @@ void TraceMarkStarted();
 /// no ring. Takes the lock. REQUIRES: TraceOpenState was called.
 void TraceMatchRing();
 
-/// Writes what is pending, closes the log file, frees the ring, clears flags and module name. Takes the lock.
+/// Writes what is pending, closes the log file, frees the ring, clears flags, settings and module name. Takes the
+/// lock.
 /// REQUIRES: the library is started.
 void TraceCloseState();
 

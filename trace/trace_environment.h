@@ -3,13 +3,19 @@
 #ifndef ZT_TRACE_TRACE_ENVIRONMENT_H
 #define ZT_TRACE_TRACE_ENVIRONMENT_H
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "platform/clock.h"
 #include "platform/console.h"
+#include "platform/crash_filter.h"
 #include "platform/debugger.h"
+#include "platform/file_system.h"
+#include "platform/periodic_worker.h"
 #include "platform/process_ids.h"
+#include "platform/settings_store.h"
 
 namespace zt {
 
@@ -25,6 +31,16 @@ struct TraceEnvironment {
   SavedConsoleColor (*set_console_color)(ConsoleColor color) = &SetConsoleColor;
   void (*restore_console_color)(SavedConsoleColor saved) = &RestoreConsoleColor;
   void (*write_debugger)(std::string_view text) = &WriteDebuggerText;
+
+  std::int64_t (*performance_frequency)() = &PerformanceFrequency;
+  std::uint32_t (*uptime_milliseconds)() = &SystemUptimeMilliseconds;
+  std::size_t (*executable_path)(char* buffer, std::size_t size) = &ExecutablePath;
+  void (*read_settings)(const char* key, std::span<NumberSetting> settings) = &ReadNumberSettings;
+  bool (*start_worker)(std::uint32_t period_ms, void (*tick)()) = &StartPeriodicWorker;
+  void (*stop_worker)() = &StopPeriodicWorker;
+  void (*install_crash_filter)(CrashHandler handler) = &InstallCrashFilter;
+  void (*remove_crash_filter)() = &RemoveCrashFilter;
+  void (*write_crash_dump)(const char* path, const CrashDetails& details) = &WriteCrashDump;
 };
 
 inline constexpr TraceEnvironment kSystemEnvironment;

@@ -21,7 +21,7 @@ inline constexpr std::size_t kFlushThreshold = 0x18000;
 /// Characters of the module's name that are written.
 inline constexpr std::size_t kMaxModuleNameLength = 32;
 
-/// Invariants: the lock is initialised while `started` is set and while a printer that saw it set is under way (start_stop.h
+/// Invariants: the lock is initialised while `started` is set and while a user of it that saw that is under way (start_stop.h
 /// says how); `fill` is at most kLineBufferCapacity.
 struct TraceState {
   /// `buffer` has kLineBufferCapacity bytes and outlives the state.
@@ -29,9 +29,13 @@ struct TraceState {
 
   // Read without the lock.
   std::atomic<bool> started{false};          ///< Set between start and stop.
-  std::atomic<std::uint32_t> printers{0};    ///< Calls of TraceWrite under way.
+  std::atomic<std::uint32_t> lock_users{0};  ///< Prints and ticks of the worker under way.
   std::atomic<const char*> module_name{""};  ///< Static text; empty while not started.
   std::atomic<std::int64_t> last_print{0};   ///< Performance counter at the start of the latest print.
+  std::atomic<bool> stopping{false};         ///< Set from the beginning of a stop to the next start: one stop is enough.
+  /// Key of the settings, static text; null where there is none and while not started.
+  std::atomic<const char*> settings_key{nullptr};
+  std::atomic<std::uint32_t> process{0};  ///< Id of the process that started the library.
   /// The system, or what a test puts in its place. Never null; changed only while the library is not started.
   const TraceEnvironment* environment = &kSystemEnvironment;
 
@@ -41,6 +45,7 @@ struct TraceState {
   TraceMemLogHead* ring = nullptr;  ///< Owned; null while the flags do not ask for it.
   AppendStream* stream = nullptr;   ///< The log file, not owned; null where there is none to write to.
   std::uint64_t file_size = 0;      ///< Bytes in the log file while it is open.
+  std::uint32_t size_limit = 0;     ///< MiB at which the log goes on in the other of two files; 0 for never.
   std::size_t fill = 0;             ///< Bytes pending in the line buffer.
   char* const line_buffer;          ///< kLineBufferCapacity bytes.
 };

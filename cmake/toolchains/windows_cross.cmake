@@ -11,4 +11,7 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 set(CMAKE_EXE_LINKER_FLAGS_INIT -static)
 set(CMAKE_SHARED_LINKER_FLAGS_INIT -static)
 
+# Tests are compiled once and run once, so they are not worth more.
+list(APPEND ZT_TEST_COMPILE_OPTIONS -O1)
+
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../../scripts/windows/run-${ZT_WINDOWS_TARGET})

@@ -24,6 +24,16 @@ std::int64_t PerformanceCounter() { return SteadyNanoseconds(); }
 
 std::int64_t PerformanceFrequency() { return kNanosecondsPerSecond; }
 
+std::uint32_t SystemUptimeMilliseconds() {
+#if defined(CLOCK_BOOTTIME)
+  const timespec now = Read(CLOCK_BOOTTIME);
+#else
+  const timespec now = Read(CLOCK_MONOTONIC);
+#endif
+  return static_cast<std::uint32_t>(static_cast<std::uint64_t>(now.tv_sec) * 1000 +
+                                    static_cast<std::uint64_t>(now.tv_nsec) / 1000000);
+}
+
 std::uint64_t FileTimeNow() {
   const timespec now = Read(CLOCK_REALTIME);
   return kUnixEpochAsFileTime + static_cast<std::uint64_t>(now.tv_sec) * kFileTimePerSecond +

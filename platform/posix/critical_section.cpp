@@ -34,6 +34,8 @@ void CriticalSection::Delete() {
 
 void CriticalSection::Enter() { pthread_mutex_lock(MutexIn(storage_)); }
 
+bool CriticalSection::TryEnter() { return pthread_mutex_trylock(MutexIn(storage_)) == 0; }
+
 void CriticalSection::Leave() { pthread_mutex_unlock(MutexIn(storage_)); }
 
 }  // namespace zt

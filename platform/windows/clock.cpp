@@ -52,6 +52,8 @@ std::int64_t SteadyNanoseconds() {
   return ticks / frequency * kNanosecondsPerSecond + ticks % frequency * kNanosecondsPerSecond / frequency;
 }
 
+std::uint32_t SystemUptimeMilliseconds() { return GetTickCount(); }
+
 std::uint64_t FileTimeNow() {
   static const FileTimeSource kSource = FindFileTimeSource();
   FILETIME now = {};

@@ -29,6 +29,8 @@ void CriticalSection::Delete() {
 
 void CriticalSection::Enter() { EnterCriticalSection(SectionIn(storage_)); }
 
+bool CriticalSection::TryEnter() { return TryEnterCriticalSection(SectionIn(storage_)) != FALSE; }
+
 void CriticalSection::Leave() { LeaveCriticalSection(SectionIn(storage_)); }
 
 }  // namespace zt

@@ -5,6 +5,8 @@
 #include <stdio.h>
 #include <windows.h>
 
+#include <initializer_list>
+
 namespace zt {
 namespace {
 
@@ -27,8 +29,9 @@ bool ShowsColors(StandardStream stream) {
 }
 
 void PrepareStandardStreams() {
-  _setmode(_fileno(stdin), _O_BINARY);
-  _setmode(_fileno(stdout), _O_BINARY);
+  for (FILE* const stream : {stdin, stdout, stderr}) {
+    _setmode(_fileno(stream), _O_BINARY);
+  }
 }
 
 }  // namespace zt

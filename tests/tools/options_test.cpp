@@ -7,14 +7,14 @@
 #include <variant>
 #include <vector>
 
-#include "tests/tools/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace replay {
 namespace {
 
-using replay::testing::ScratchFolder;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
+using zt::testing::ScratchFolder;
 
 std::variant<Options, Reply> Parse(std::vector<const char*> arguments) {
   arguments.insert(arguments.begin(), "ztreplay");
@@ -77,6 +77,12 @@ TEST(ParseOptions, KnowsTheFormats) {
   EXPECT_EQ(Accepted({"c", "--format", "sandbox"}).format, CaptureFormat::kSandbox);
   EXPECT_FALSE(Accepted({"c", "--format", "auto"}).format);
   EXPECT_THAT(Refused({"c", "--format", "pcap"}), HasSubstr("--format"));
+}
+
+TEST(ParseOptions, TakesPathsThatBeginWithASlash) {
+  const Options options = Accepted({"/captures/run.jsonl", "--results", "/results"});
+  EXPECT_EQ(options.capture, "/captures/run.jsonl");
+  EXPECT_EQ(options.results, "/results");
 }
 
 TEST(ParseOptions, TakesStandardStreams) {

@@ -5,12 +5,12 @@
 
 #include <string>
 
-#include "tests/tools/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace replay {
 namespace {
 
-using replay::testing::ScratchFolder;
+using zt::testing::ScratchFolder;
 
 TEST(OutputFile, AppearsWhenItIsCommitted) {
   const ScratchFolder folder;

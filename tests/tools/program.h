@@ -6,9 +6,11 @@
 #include <string>
 #include <vector>
 
-#include "tests/tools/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace replay::testing {
+
+using zt::testing::ScratchFolder;
 
 /// What a run of the program left.
 struct RunResult {

@@ -59,11 +59,11 @@ TEST_F(StartStopTest, LibraryStartsAgain) {
 
 TEST_F(StartStopTest, LockOutlivesAStopThatFindsAPrinter) {
   Start(0x100);
-  ++SharedTraceState().printers;
+  ++SharedTraceState().lock_users;
   TraceTakeDown();
   EXPECT_FALSE(SharedTraceState().started);
   EXPECT_TRUE(SharedTraceState().lock.IsInitialised());
-  --SharedTraceState().printers;
+  --SharedTraceState().lock_users;
   Start(0x100);
   TraceTakeDown();
   EXPECT_FALSE(SharedTraceState().lock.IsInitialised());
@@ -108,7 +108,7 @@ TEST_F(StopDuringPrintTest, LockIsLeftToThePrint) {
     TraceTakeDown();
     EXPECT_TRUE(SharedTraceState().lock.IsInitialised());
   });
-  EXPECT_EQ(SharedTraceState().printers, 0u);
+  EXPECT_EQ(SharedTraceState().lock_users, 0u);
 }
 
 TEST_F(StopDuringPrintTest, LineIsDroppedWhenAllOutputsAreSwitchedOff) {

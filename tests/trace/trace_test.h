@@ -39,8 +39,13 @@ class MemoryStream : public AppendStream {
     return added.size();
   }
   void Close() override { is_open = false; }
+  void StartNext() override {
+    finished.push_back(text);
+    text.clear();
+  }
 
   std::string text;
+  std::vector<std::string> finished;  ///< What the files held that the log went on from.
   bool is_open = false;
   bool can_open = true;
   int open_count = 0;
@@ -89,6 +94,7 @@ inline constexpr TraceEnvironment kFakeEnvironment = {
     .restore_console_color =
         [](SavedConsoleColor saved) { FakeSystemLog().events.push_back("restore:" + std::to_string(saved.value_or(0))); },
     .write_debugger = [](std::string_view text) { FakeSystemLog().events.push_back("debugger:" + std::string(text)); },
+    .uptime_milliseconds = [] { return std::uint32_t{86461999}; },
 };
 
 /// An unstarted trace library on the fake system.

@@ -3,11 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/scratch_folder.h"
 #include "tests/tools/input/reading.h"
-#include "tests/tools/scratch_folder.h"
 
 namespace replay::testing {
 namespace {
+
+using zt::testing::ScratchFolder;
 
 using ::testing::HasSubstr;
 using ::testing::StartsWith;

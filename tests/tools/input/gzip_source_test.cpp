@@ -2,12 +2,14 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include "tests/support/scratch_folder.h"
 #include "tests/tools/input/reading.h"
-#include "tests/tools/scratch_folder.h"
 #include "tools/replay/input/byte_source.h"
 
 namespace replay::testing {
 namespace {
+
+using zt::testing::ScratchFolder;
 
 using ::testing::EndsWith;
 using ::testing::HasSubstr;

@@ -3,12 +3,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/support/scratch_folder.h"
 #include "tests/tools/input/reading.h"
-#include "tests/tools/scratch_folder.h"
 #include "tools/replay/input/record_text.h"
 
 namespace replay::testing {
 namespace {
+
+using zt::testing::ScratchFolder;
 
 using ::testing::ElementsAre;
 

@@ -6,13 +6,13 @@
 
 #include <filesystem>
 
-#include "tests/tools/scratch_folder.h"
+#include "tests/support/scratch_folder.h"
 
 namespace replay {
 namespace {
 
 namespace fs = std::filesystem;
-using replay::testing::ScratchFolder;
+using zt::testing::ScratchFolder;
 
 TEST(OutputFile, KeepsTheFormerFilesPermissions) {
   const ScratchFolder folder;

@@ -1,7 +1,7 @@
 // A folder of a test's own.
 
-#ifndef ZT_TESTS_TOOLS_SCRATCH_FOLDER_H
-#define ZT_TESTS_TOOLS_SCRATCH_FOLDER_H
+#ifndef ZT_TESTS_SUPPORT_SCRATCH_FOLDER_H
+#define ZT_TESTS_SUPPORT_SCRATCH_FOLDER_H
 
 #include <filesystem>
 #include <fstream>
@@ -10,14 +10,14 @@
 #include <string>
 #include <string_view>
 
-namespace replay::testing {
+namespace zt::testing {
 
 /// Makes an empty folder and removes it with all that is in it.
 class ScratchFolder {
  public:
   ScratchFolder() {
     std::random_device random;
-    path_ = std::filesystem::temp_directory_path() / ("ztreplay-test-" + std::to_string(random()) + std::to_string(random()));
+    path_ = std::filesystem::temp_directory_path() / ("zteng-test-" + std::to_string(random()) + std::to_string(random()));
     std::filesystem::create_directory(path_);
   }
   ScratchFolder(const ScratchFolder&) = delete;
@@ -27,6 +27,7 @@ class ScratchFolder {
     std::filesystem::remove_all(path_, ignored);
   }
 
+  [[nodiscard]] const std::filesystem::path& path() const { return path_; }
   /// The full path of `name` in the folder.
   [[nodiscard]] std::string Path(std::string_view name) const { return (path_ / name).string(); }
 
@@ -53,6 +54,6 @@ class ScratchFolder {
   std::filesystem::path path_;
 };
 
-}  // namespace replay::testing
+}  // namespace zt::testing
 
-#endif  // ZT_TESTS_TOOLS_SCRATCH_FOLDER_H
+#endif  // ZT_TESTS_SUPPORT_SCRATCH_FOLDER_H

@@ -1,0 +1,65 @@
+#include "platform/crash_filter.h"
+
+#include <windows.h>
+// Needs the types of the header above.
+#include <dbghelp.h>
+
+#include <atomic>
+
+namespace zt {
+
+struct CrashDetails {
+  EXCEPTION_POINTERS* exception;
+};
+
+namespace {
+
+std::atomic<CrashHandler> crash_handler = nullptr;
+
+LONG WINAPI OnUnhandledException(EXCEPTION_POINTERS* exception) {
+  if (const CrashHandler handler = crash_handler; handler != nullptr) {
+    handler({exception});
+  }
+  return EXCEPTION_CONTINUE_SEARCH;
+}
+
+}  // namespace
+
+void InstallCrashFilter(CrashHandler handler) {
+  crash_handler = handler;
+  SetUnhandledExceptionFilter(&OnUnhandledException);
+}
+
+void RemoveCrashFilter() {
+  SetUnhandledExceptionFilter(nullptr);
+  crash_handler = nullptr;
+}
+
+void RemoveOwnCrashFilter() {
+  // The system tells which filter is installed only to who replaces it.
+  const LPTOP_LEVEL_EXCEPTION_FILTER installed = SetUnhandledExceptionFilter(nullptr);
+  if (installed != &OnUnhandledException) {
+    SetUnhandledExceptionFilter(installed);
+  }
+  crash_handler = nullptr;
+}
+
+void WriteCrashDump(const char* path, const CrashDetails& details) {
+  constexpr auto kContents = static_cast<MINIDUMP_TYPE>(MiniDumpWithFullMemory | MiniDumpWithHandleData | MiniDumpFilterMemory |
+                                                        MiniDumpScanMemory | MiniDumpWithUnloadedModules |
+                                                        MiniDumpWithIndirectlyReferencedMemory | MiniDumpFilterModulePaths |
+                                                        MiniDumpWithProcessThreadData | MiniDumpWithPrivateReadWriteMemory);
+  static_assert(kContents == 0x3FE);
+
+  // Without a file the dump fails too, and there is nobody to tell.
+  const HANDLE file = CreateFileA(path, GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                  CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+  MINIDUMP_EXCEPTION_INFORMATION exception = {};
+  exception.ThreadId = GetCurrentThreadId();
+  exception.ExceptionPointers = details.exception;
+  exception.ClientPointers = TRUE;
+  MiniDumpWriteDump(GetCurrentProcess(), GetCurrentProcessId(), file, kContents, &exception, nullptr, nullptr);
+  CloseHandle(file);
+}
+
+}  // namespace zt

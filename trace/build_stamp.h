@@ -1,0 +1,13 @@
+// When the library was built.
+
+#ifndef ZT_TRACE_BUILD_STAMP_H
+#define ZT_TRACE_BUILD_STAMP_H
+
+namespace zt {
+
+/// Such as "Tue Jul 15 09:24:23 2025", in UTC: when the build was configured, or the moment that SOURCE_DATE_EPOCH names.
+extern const char* const kBuildStamp;
+
+}  // namespace zt
+
+#endif  // ZT_TRACE_BUILD_STAMP_H
