@@ -32,6 +32,7 @@ constexpr std::array kTargets = {
     Target{"200,000 files encrypted: peak MB", "EncryptByRename:peak_MB", nullptr, true, 300},
     Target{"events a second, mixed, 10,000 files", "Mixed/one_process:events_per_s", nullptr, false, 1e6},
     Target{"throughput, two threads : one", "Threads/threads:2:events_per_s", "Threads/threads:1:events_per_s", false, 0.9},
+    Target{"a trace call that is off, ns", "TraceDisabled:ns", nullptr, true, 2},
 };
 
 /// What names a run in the table: without its number of iterations, its time and its kind of time.
