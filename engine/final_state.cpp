@@ -1,14 +1,15 @@
-// Which files of a process are to be restored.
+#include "engine/final_state.h"
 
+#include <string_view>
 #include <unordered_set>
 
-#include "engine/context.h"
 #include "engine/tracing.h"
 
 namespace zt {
 namespace {
 
-using PathSet = std::unordered_set<std::wstring>;
+/// Views of the items' own texts, which do not change under the lock.
+using PathSet = std::unordered_set<std::wstring_view>;
 
 /// The images of the suspicious members of the family of `key`: a malicious program is never handed back for restoring.
 PathSet SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key) {
@@ -22,21 +23,13 @@ PathSet SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key) {
   return images;
 }
 
-ZT_FILE_ITEM_PUBLIC PublicItem(const _ZtEngineCore& engine, const ZT_FILE_ITEM& file) {
-  ZT_FILE_ITEM_PUBLIC item;
-  item.EngineId = engine.EngineId;
-  item.Path = file.Path;
-  item.Restore = file.State == ZT_SECTION_SYNC || file.State == ZT_OVERWRITE ? 1 : 0;
-  item.Context = file.Context;
-  return item;
-}
+bool IsRestored(const ZT_FILE_ITEM& file) { return file.State == ZT_SECTION_SYNC || file.State == ZT_OVERWRITE; }
 
-/// Stores each restore candidate whose path is not in `excluded`, which takes the path in: each path is reported once.
-void ReportFiles(const _ZtEngineCore& engine, const ZT_PID_ITEM& process, PathSet& excluded,
-                 std::map<std::wstring, ZT_FILE_ITEM_PUBLIC>& files) {
+/// Tells of each restore candidate whose path is not in `excluded`, which takes the path in: each path is reported once.
+void TellFiles(const ZT_PID_ITEM& process, PathSet& excluded, FinalStateVisitor& visitor) {
   for (const auto& [key, file] : process.files) {
     if (file.Similar && excluded.insert(file.Path).second) {
-      files.insert_or_assign(key, PublicItem(engine, file));
+      visitor.OnFile(key, file, IsRestored(file));
       ZT_TRACE_DEBUG_AT(1313, "%ws will get restored", file.Path.c_str());
     } else {
       ZT_TRACE_DEBUG_AT(1316, "%ws will not get restored", file.Path.c_str());
@@ -44,7 +37,44 @@ void ReportFiles(const _ZtEngineCore& engine, const ZT_PID_ITEM& process, PathSe
   }
 }
 
+/// Copies what it is told to where the host wants it.
+class CopyForHost : public FinalStateVisitor {
+ public:
+  CopyForHost(std::uint32_t engine_id, std::map<std::wstring, ZT_FILE_ITEM_PUBLIC>& files, std::vector<std::wstring>& paths)
+      : engine_id_(engine_id), files_(files), paths_(paths) {}
+
+  void OnQuarantine(const ZtPathList& list) override { paths_.insert(paths_.begin(), list.begin(), list.end()); }
+  void OnFile(const std::wstring& key, const ZT_FILE_ITEM& file, bool restored) override {
+    ZT_FILE_ITEM_PUBLIC item;
+    item.EngineId = engine_id_;
+    item.Path = file.Path;
+    item.Restore = restored ? 1 : 0;
+    item.Context = file.Context;
+    files_.insert_or_assign(key, std::move(item));
+  }
+
+ private:
+  std::uint32_t engine_id_;
+  std::map<std::wstring, ZT_FILE_ITEM_PUBLIC>& files_;
+  std::vector<std::wstring>& paths_;
+};
+
 }  // namespace
+
+void TellFinalState(const _ZtEngineCore& engine, std::uint64_t pid, FinalStateVisitor& visitor) {
+  const std::int64_t* start_time = engine.FindStartTime(pid);
+  const ZtProcKey key = {pid, start_time == nullptr ? 0 : *start_time};
+  ZT_TRACE_DEBUG_AT(1283, "ZtGetFinalStateFileByPid:: Pid:%ld Time:%lld", Trace32(key.Pid), Trace64(key.Time));
+  const ProcessTree::Entry* process = engine.Tree.Find(key);
+  PathSet excluded = SuspiciousImages(engine, key);
+  if (process == nullptr) {
+    ZT_TRACE_WARNING_AT(1321, "%ld does not exist in the tree", Trace32(key.Pid));
+    return;
+  }
+  visitor.OnQuarantine(process->Item.QuarantineList);
+  TellFiles(process->Item, excluded, visitor);
+}
+
 }  // namespace zt
 
 unsigned char ZtGetFinalStateFileByPid(std::shared_ptr<void>& engine, void* pid,
@@ -53,19 +83,8 @@ unsigned char ZtGetFinalStateFileByPid(std::shared_ptr<void>& engine, void* pid,
   if (!core) {
     return 0;
   }
+  zt::CopyForHost visitor(core->EngineId, files, paths);
   const zt::CriticalSectionLock hold(core->Lock);
-  const std::uint64_t id = zt::PidFromHandle(pid);
-  const std::int64_t* start_time = core->FindStartTime(id);
-  const ZtProcKey key = {id, start_time == nullptr ? 0 : *start_time};
-  ZT_TRACE_DEBUG_AT(1283, "ZtGetFinalStateFileByPid:: Pid:%ld Time:%lld", zt::Trace32(key.Pid), zt::Trace64(key.Time));
-  const zt::ProcessTree::Entry* process = core->Tree.Find(key);
-  zt::PathSet excluded = zt::SuspiciousImages(*core, key);
-  if (process == nullptr) {
-    ZT_TRACE_WARNING_AT(1321, "%ld does not exist in the tree", zt::Trace32(key.Pid));
-    return 1;
-  }
-  const ZtPathList& quarantined = process->Item.QuarantineList;
-  paths.insert(paths.begin(), quarantined.begin(), quarantined.end());
-  zt::ReportFiles(*core, process->Item, excluded, files);
+  zt::TellFinalState(*core, zt::PidFromHandle(pid), visitor);
   return 1;
 }

@@ -1,6 +1,7 @@
 #include "engine/inspection.h"
 
 #include "engine/context.h"
+#include "engine/final_state.h"
 
 namespace zt {
 
@@ -23,6 +24,16 @@ bool FindProcess(std::shared_ptr<void>& engine, const ZtProcKey& key, ProcessVie
     return false;
   }
   process = {entry->key, entry->parentKey, entry->Item.Score, entry->Item.Exiting != 0, entry->Item.ImagePath};
+  return true;
+}
+
+bool VisitFinalState(std::shared_ptr<void>& engine, std::uint64_t pid, FinalStateVisitor& visitor) {
+  const auto core = AcquireEngine(engine);
+  if (!core) {
+    return false;
+  }
+  const CriticalSectionLock hold(core->Lock);
+  TellFinalState(*core, pid, visitor);
   return true;
 }
 

@@ -78,6 +78,24 @@ bool FindProcess(std::shared_ptr<void>& engine, std::uint64_t pid, ProcessView& 
 /// The process under `key`, or false. REQUIRES: no other call on the engine runs.
 bool FindProcess(std::shared_ptr<void>& engine, const ZtProcKey& key, ProcessView& process);
 
+/// Is told what ZtGetFinalStateFileByPid would report, without the copies of it. Must not call into the engine.
+class FinalStateVisitor {
+ public:
+  FinalStateVisitor() = default;
+  FinalStateVisitor(const FinalStateVisitor&) = delete;
+  FinalStateVisitor& operator=(const FinalStateVisitor&) = delete;
+  virtual ~FinalStateVisitor() = default;
+
+  /// The process's quarantine list; called once, first, for a process that is in the tree.
+  virtual void OnQuarantine(const ZtPathList& list) = 0;
+  /// One file that the report has, in the order of keys. `restored` is its restore flag.
+  virtual void OnFile(const std::wstring& key, const ZT_FILE_ITEM& file, bool restored) = 0;
+};
+
+/// Tells `visitor` the final state of the newest process under `pid`, with the trace lines of the export. Takes the engine's
+/// lock. False, with nothing told, where the export gives 0.
+bool VisitFinalState(std::shared_ptr<void>& engine, std::uint64_t pid, FinalStateVisitor& visitor);
+
 }  // namespace zt
 
 #endif  // ZT_ENGINE_INSPECTION_H

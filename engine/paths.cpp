@@ -44,10 +44,21 @@ std::wstring_view FileNamePart(std::wstring_view path) {
 
 std::wstring_view UpToZero(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }
 
+namespace {
+
+// Paths are mostly ASCII, for which the answer is known without a call.
+wchar_t ToLower(wchar_t unit) {
+  if (unit < 0x80) {
+    return unit >= L'A' && unit <= L'Z' ? static_cast<wchar_t>(unit + (L'a' - L'A')) : unit;
+  }
+  return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(unit)));
+}
+
+}  // namespace
+
 std::wstring ToLower(std::wstring_view text) {
   std::wstring lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](wchar_t unit) { return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(unit))); });
+  std::transform(lower.begin(), lower.end(), lower.begin(), [](wchar_t unit) { return ToLower(unit); });
   return lower;
 }
 

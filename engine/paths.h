@@ -25,7 +25,7 @@ std::wstring_view DottedExtension(std::wstring_view name);
 std::wstring_view FileNamePart(std::wstring_view path);
 /// Up to the first zero unit.
 std::wstring_view UpToZero(std::wstring_view text);
-/// Each unit by towlower in the process's locale.
+/// Each unit by itself: A to Z, and others by towlower, which leaves them as they are in the locale that processes start in.
 std::wstring ToLower(std::wstring_view text);
 
 }  // namespace zt

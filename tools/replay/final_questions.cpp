@@ -1,13 +1,35 @@
 #include "tools/replay/final_questions.h"
 
-#include <algorithm>
 #include <map>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "tools/replay/handles.h"
 
 namespace replay {
+namespace {
+
+/// Counts as it is told: the export's own answer is more than half a KB a file.
+class FinalAnswerMaker : public zt::FinalStateVisitor {
+ public:
+  explicit FinalAnswerMaker(bool keep_paths) : keep_paths_(keep_paths) {}
+
+  void OnQuarantine(const ZtPathList& list) override { answer.quarantine_paths = list.size(); }
+  void OnFile(const std::wstring& /*key*/, const ZT_FILE_ITEM& file, bool restored) override {
+    ++answer.files_to_restore;
+    answer.overwritten_files += restored ? 1 : 0;
+    if (keep_paths_) {
+      answer.restore_paths.push_back(file.Path);
+    }
+  }
+
+  FinalAnswer answer;
+
+ private:
+  bool keep_paths_;
+};
+
+}  // namespace
 
 void FinalQuestions::BeforeCreation(const ZtProcKey& created) {
   zt::ProcessView process;
@@ -57,20 +79,9 @@ bool FinalQuestions::StillAnswers(const ProcessRecord& record, zt::ProcessView& 
 }
 
 void FinalQuestions::AskFinalState(ProcessRecord& record) {
-  std::map<std::wstring, ZT_FILE_ITEM_PUBLIC> files;
-  std::vector<std::wstring> paths;
-  ZtGetFinalStateFileByPid(engine_, HandleFromPid(record.key.Pid), files, paths);
-  FinalAnswer answer;
-  answer.files_to_restore = files.size();
-  answer.overwritten_files = static_cast<std::size_t>(
-      std::count_if(files.begin(), files.end(), [](const auto& file) { return file.second.Restore != 0; }));
-  answer.quarantine_paths = paths.size();
-  if (keep_restore_paths_ && record.alarm) {
-    for (const auto& [key, file] : files) {
-      answer.restore_paths.push_back(file.Path);
-    }
-  }
-  record.final_answer = std::move(answer);
+  FinalAnswerMaker maker(keep_restore_paths_ && record.alarm);
+  zt::VisitFinalState(engine_, record.key.Pid, maker);
+  record.final_answer = std::move(maker.answer);
 }
 
 void FinalQuestions::AskFamily(ProcessRecord& record) {
