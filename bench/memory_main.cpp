@@ -80,7 +80,7 @@ void MeasureFiles() {
   auto& core = *std::static_pointer_cast<_ZtEngineCore>(engine.handle());
   std::size_t units = 0;
   for (const auto& [key, file] : core.Tree.Find({kPid, create.Time})->Item.files) {
-    units += key.capacity() + 1 + file.Path.capacity() + 1;
+    units += key.capacity() + 1;
   }
   const double per_file = static_cast<double>(units) / kCount;
   const double asked_per_file = static_cast<double>(asked_for - asked_before) / kCount;

@@ -314,8 +314,9 @@ void FileEvent::Step() {
   result_ = static_cast<std::uint32_t>(penalty);
   stepped_ = context_.Item;
   if (engine_.Observer != nullptr) {
-    engine_.Observer->OnStep({process_.key, context_.Item->Path, event_path_, context_.PrevState, context_.Item->State, penalty,
-                              context_.SimilarFound});
+    const std::wstring file_path = context_.Item->Path.Wide();
+    engine_.Observer->OnStep(
+        {process_.key, file_path, event_path_, context_.PrevState, context_.Item->State, penalty, context_.SimilarFound});
   }
 }
 

@@ -8,15 +8,15 @@
 namespace zt {
 namespace {
 
-/// Views of the items' own texts, which do not change under the lock.
-using PathSet = std::unordered_set<std::wstring_view>;
+/// Paths that are not reported again: views of texts that do not change under the lock.
+using PathSet = std::unordered_set<std::u16string_view>;
 
 /// The images of the suspicious members of the family of `key`: a malicious program is never handed back for restoring.
-PathSet SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key) {
-  PathSet images;
+std::vector<ZtText> SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key) {
+  std::vector<ZtText> images;
   for (const ProcessTree::Entry* member : ProcessFamily(engine.Tree, engine.Tree.FamilyRoot(key, engine.ScoreWalkLimit))) {
     if (IsSuspicious(member->Item)) {
-      images.insert(member->Item.ImagePath);
+      images.emplace_back(member->Item.ImagePath);
       ZT_TRACE_DEBUG_AT(1296, "Not restoring %ws", member->Item.ImagePath.c_str());
     }
   }
@@ -28,11 +28,11 @@ bool IsRestored(const ZT_FILE_ITEM& file) { return file.State == ZT_SECTION_SYNC
 /// Tells of each restore candidate whose path is not in `excluded`, which takes the path in: each path is reported once.
 void TellFiles(const ZT_PID_ITEM& process, PathSet& excluded, FinalStateVisitor& visitor) {
   for (const auto& [key, file] : process.files) {
-    if (file.Similar && excluded.insert(file.Path).second) {
+    if (file.Similar && excluded.insert(file.Path.Units()).second) {
       visitor.OnFile(key, file, IsRestored(file));
-      ZT_TRACE_DEBUG_AT(1313, "%ws will get restored", file.Path.c_str());
+      ZT_TRACE_DEBUG_AT(1313, "%ws will get restored", file.Path.Wide().c_str());
     } else {
-      ZT_TRACE_DEBUG_AT(1316, "%ws will not get restored", file.Path.c_str());
+      ZT_TRACE_DEBUG_AT(1316, "%ws will not get restored", file.Path.Wide().c_str());
     }
   }
 }
@@ -47,7 +47,7 @@ class CopyForHost : public FinalStateVisitor {
   void OnFile(const std::wstring& key, const ZT_FILE_ITEM& file, bool restored) override {
     ZT_FILE_ITEM_PUBLIC item;
     item.EngineId = engine_id_;
-    item.Path = file.Path;
+    item.Path = file.Path.Wide();
     item.Restore = restored ? 1 : 0;
     item.Context = file.Context;
     files_.insert_or_assign(key, std::move(item));
@@ -66,10 +66,14 @@ void TellFinalState(const _ZtEngineCore& engine, std::uint64_t pid, FinalStateVi
   const ZtProcKey key = {pid, start_time == nullptr ? 0 : *start_time};
   ZT_TRACE_DEBUG_AT(1283, "ZtGetFinalStateFileByPid:: Pid:%ld Time:%lld", Trace32(key.Pid), Trace64(key.Time));
   const ProcessTree::Entry* process = engine.Tree.Find(key);
-  PathSet excluded = SuspiciousImages(engine, key);
+  const std::vector<ZtText> images = SuspiciousImages(engine, key);
   if (process == nullptr) {
     ZT_TRACE_WARNING_AT(1321, "%ld does not exist in the tree", Trace32(key.Pid));
     return;
+  }
+  PathSet excluded;
+  for (const ZtText& image : images) {
+    excluded.insert(image.Units());
   }
   visitor.OnQuarantine(process->Item.QuarantineList);
   TellFiles(process->Item, excluded, visitor);

@@ -109,7 +109,7 @@ std::uint32_t InsertEvent(_ZtEngineCore& engine, const Event& event) {
     return 0;
   }
   // The file is charged under the name that it was filled with: a renamed copy under its first one.
-  const std::wstring path = ToLower(stepped->Path);
+  const std::wstring path = ToLower(stepped->Path.Wide());
   ZT_TRACE_DEBUG("ProcKey: (%d, %lld) Path: %ws Penalty: %d", Trace32(key.Pid), Trace64(key.Time), path.c_str(), penalty);
   ProcessTree::Entry* process = engine.Tree.Find(key);
   ZtFileMap::value_type* file = ChargeableFile(process, path);

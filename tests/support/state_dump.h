@@ -35,7 +35,7 @@ inline void DumpPaths(std::ostream& out, const char* name, const ZtPathList& pat
 }
 
 inline void DumpFile(std::ostream& out, const std::wstring& key, const ZT_FILE_ITEM& file) {
-  out << "    file [" << Narrow(key) << "] state " << file.State << " path [" << Narrow(file.Path) << "] time "
+  out << "    file [" << Narrow(key) << "] state " << file.State << " path [" << Narrow(file.Path.Wide()) << "] time "
       << file.FirstTime << " context " << file.Context << " read " << file.ReadInfo << " create " << file.CreateInfo
       << " flags " << file.Written << file.Similar << file.Renamed << file.SimilarMark << file.Created << file.ReadStarted
       << file.penalized << " block " << (file.Block.Get() != nullptr) << "\n";

@@ -19,7 +19,7 @@ class FinalAnswerMaker : public zt::FinalStateVisitor {
     ++answer.files_to_restore;
     answer.overwritten_files += restored ? 1 : 0;
     if (keep_paths_) {
-      answer.restore_paths.push_back(file.Path);
+      answer.restore_paths.push_back(file.Path.Wide());
     }
   }
 

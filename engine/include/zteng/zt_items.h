@@ -12,6 +12,7 @@
 #include <string>
 
 #include "zteng/zt_path_list.h"
+#include "zteng/zt_text.h"
 
 /// The engine behind a handle.
 class _ZtEngineCore;
@@ -68,7 +69,7 @@ struct _ZT_FILE_ITEM {
   std::int64_t FirstTime = 0;    ///< LOG_ITEM::Time of the event that filled the record.
   std::uint64_t Context = 0;     ///< LOG_ITEM::Context of that event.
   std::uint64_t ReadInfo = 0;    ///< Position reached by the first read; taken as the file's size.
-  std::wstring Path;             ///< The path in the letter case of the event that filled the record.
+  ZtText Path;                   ///< The path in the letter case of the event that filled the record.
   std::uint32_t CreateInfo = 0;  ///< Low 32 bits of LOG_ITEM::TargetPid of that event; taken as the 32-bit size.
   ZtFileBlock Block;             ///< Further data, carried with the record.
 };
