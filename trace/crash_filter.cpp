@@ -20,32 +20,35 @@ void Format(char* message, const char* format, ...) {
   va_end(arguments);
 }
 
+// Not on the stack, which may be what ran out; one crash at a time comes here.
+char path[kMaxPathSize];
+char name[kMessageCapacity];
+PathText dump;
+
 // The dump's name: the program's, then process and thread, then the time.
-void FormatDumpName(char* name, const TraceEnvironment& environment, const char* program) {
+void FormatDumpName(char* destination, const TraceEnvironment& environment, const char* program) {
   const LocalTime time = LibraryMomentNow(environment).time;
-  Format(name, "%s [%d.%d] %04d-%02d-%02d %02d.%02d.%02d.dmp", program, environment.process_id(), environment.thread_id(),
-         time.year, time.month, time.day, time.hour, time.minute, time.second);
+  Format(destination, "%s [%d.%d] %04d-%02d-%02d %02d.%02d.%02d.dmp", program, environment.process_id(),
+         environment.thread_id(), time.year, time.month, time.day, time.hour, time.minute, time.second);
 }
 
 }  // namespace
 
 void TraceCrashFilter(const CrashDetails& details) {
   const TraceEnvironment& environment = *SharedTraceState().environment;
-  char path[kMaxPathSize];
   if (environment.executable_path(path, sizeof path) == 0) {
     return;
   }
   if ((TraceFlags.load(std::memory_order_relaxed) & kTraceInfo) != 0) {
     TracePrint(nullptr, 0, kCrashLine, "", "%s", path);
   }
-  TraceStop();
+  TraceStopInCrash();
   const SplitPath parts = Split(path);
   if (parts.folder.empty()) {
     return;
   }
-  char name[kMessageCapacity];
   FormatDumpName(name, environment, parts.name.data());
-  PathText dump(parts.folder);
+  dump = PathText(parts.folder);
   if (dump.Append(std::string_view(name))) {
     environment.write_crash_dump(dump.c_str(), details);
   }

@@ -1,5 +1,6 @@
 #include "trace/library.h"
 
+#include "platform/fork.h"
 #include "platform/last_error.h"
 #include "platform/periodic_worker.h"
 #include "trace/crash_filter.h"
@@ -33,6 +34,15 @@ bool PrepareFiles(const PathText& folder, std::uint32_t size_limit) {
     TraceDeleteLogFiles();
   }
   return true;
+}
+
+// A forked process has neither the worker nor the log file, and the pending lines are its parent's to write.
+void ForgetInForkedProcesses() {
+  static const bool kIsArranged = [] {
+    CallInForkedProcesses([] { SharedTraceState().started = false; });
+    return true;
+  }();
+  static_cast<void>(kIsArranged);
 }
 
 void StartWorker(const TraceEnvironment& environment) {
@@ -70,6 +80,24 @@ void DeleteUnwantedFiles(const TraceState& state, std::uint64_t flags) {
   }
 }
 
+// `close_state` is TraceCloseState or its sibling.
+void Stop(void (*close_state)()) {
+  TraceState& state = SharedTraceState();
+  if (!state.started || state.stopping.exchange(true)) {
+    return;
+  }
+  {
+    const CriticalSectionLock lock(state.lock);
+    const std::uint64_t flags = TraceFlags.load(std::memory_order_relaxed);
+    SayGoodbye(state);
+    DeleteUnwantedFiles(state, flags);
+    close_state();
+    SharedLogFiles().ClearCurrent();
+  }
+  state.environment->stop_worker();
+  TraceMarkStopped();
+}
+
 }  // namespace
 
 void TraceStart() {
@@ -100,6 +128,7 @@ void TraceStart() {
     return;
   }
   TraceMarkStarted();
+  ForgetInForkedProcesses();
   StartWorker(*state.environment);
   if ((flags & kTraceCrashDump) != 0) {
     TraceMatchCrashFilter();
@@ -108,22 +137,9 @@ void TraceStart() {
   PrintBanner(state, start);
 }
 
-void TraceStop() {
-  TraceState& state = SharedTraceState();
-  if (!state.started || state.process != state.environment->process_id() || state.stopping.exchange(true)) {
-    return;
-  }
-  {
-    const CriticalSectionLock lock(state.lock);
-    const std::uint64_t flags = TraceFlags.load(std::memory_order_relaxed);
-    SayGoodbye(state);
-    DeleteUnwantedFiles(state, flags);
-    TraceCloseState();
-    SharedLogFiles().ClearCurrent();
-  }
-  state.environment->stop_worker();
-  TraceMarkStopped();
-}
+void TraceStop() { Stop(&TraceCloseState); }
+
+void TraceStopInCrash() { Stop(&TraceCloseStateButRing); }
 
 void TraceStopWithoutThreads() {
   AbandonPeriodicWorker();

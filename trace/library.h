@@ -17,6 +17,10 @@ void TraceStart();
 /// being stopped. Safe while other threads print; their lines are written before or dropped.
 void TraceStop();
 
+/// TraceStop on the way of a crash: the memory ring stays where it is, for the dump to have it, and the heap, which may be what
+/// is broken, is not touched. The next start takes the ring over.
+void TraceStopInCrash();
+
 /// TraceStop for a process whose other threads the system has ended, wherever they were. Does nothing where one of them ended
 /// while it held the trace lock, since what it was about to do cannot be finished.
 void TraceStopWithoutThreads();

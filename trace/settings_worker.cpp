@@ -17,16 +17,38 @@ namespace {
 std::int64_t last_look = 0;
 
 std::int64_t MillisecondsBetween(const TraceEnvironment& environment, std::int64_t from, std::int64_t to) {
-  return (to - from) * 1000 / environment.performance_frequency();
+  const std::int64_t frequency = environment.performance_frequency();
+  const std::int64_t ticks = to - from;
+  // Whole seconds and the rest apart: the product of months of ticks and 1000 would overflow.
+  return ticks / frequency * 1000 + ticks % frequency * 1000 / frequency;
 }
+
+// The lock for a scope, if it was free. A tick never waits for the lock: a thread that crashed while it held it waits, as it
+// stops the library, for the tick to end.
+class LockIfFree {
+ public:
+  explicit LockIfFree(CriticalSection& section) : section_(section), is_held_(section.TryEnter()) {}
+  ~LockIfFree() {
+    if (is_held_) {
+      section_.Leave();
+    }
+  }
+  LockIfFree(const LockIfFree&) = delete;
+  LockIfFree& operator=(const LockIfFree&) = delete;
+  [[nodiscard]] bool IsHeld() const { return is_held_; }
+
+ private:
+  CriticalSection& section_;
+  bool is_held_;
+};
 
 void CloseIdleFile(TraceState& state) {
   const std::int64_t now = state.environment->performance_counter();
   if (MillisecondsBetween(*state.environment, state.last_print.load(std::memory_order_relaxed), now) <= kIdleMs) {
     return;
   }
-  const CriticalSectionLock lock(state.lock);
-  if (state.started && state.stream != nullptr) {
+  const LockIfFree lock(state.lock);
+  if (lock.IsHeld() && state.started && state.stream != nullptr) {
     TraceFlushFile(nullptr);
     state.stream->Close();
   }
@@ -55,16 +77,20 @@ void PrintChange(const TraceState& state) {
   TraceFlags.store(flags, std::memory_order_relaxed);
 }
 
-void FollowSettings(TraceState& state, std::uint32_t flags, std::uint32_t size_limit) {
-  const CriticalSectionLock lock(state.lock);
+// False where the lock is not free: there will be another tick.
+bool FollowSettings(TraceState& state, std::uint32_t flags, std::uint32_t size_limit) {
+  const LockIfFree lock(state.lock);
+  if (!lock.IsHeld()) {
+    return false;
+  }
   // A stop since the settings were read has taken the key away: what it cleared stays clear.
   if (state.settings_key == nullptr) {
-    return;
+    return true;
   }
   const bool is_flag_new = flags != TraceFlags.load(std::memory_order_relaxed);
   const bool is_size_new = size_limit != state.size_limit;
   if (!is_flag_new && !is_size_new) {
-    return;
+    return true;
   }
   if (state.stream != nullptr) {
     state.stream->Close();
@@ -76,6 +102,7 @@ void FollowSettings(TraceState& state, std::uint32_t flags, std::uint32_t size_l
     ChangeSizeLimit(state, size_limit);
   }
   PrintChange(state);
+  return true;
 }
 
 }  // namespace
@@ -94,11 +121,12 @@ void TraceSettingsWorker() {
   if (state.settings_key == nullptr || MillisecondsBetween(*state.environment, last_look, now) < kSettingsPeriodMs) {
     return;
   }
-  last_look = now;
   std::uint32_t flags = kDefaultFlag;
   std::uint32_t size_limit = kDefaultSizeLimit;
   static_cast<void>(TraceReadSettings(&flags, &size_limit));
-  FollowSettings(state, flags, size_limit);
+  if (FollowSettings(state, flags, size_limit)) {
+    last_look = now;
+  }
 }
 
 }  // namespace zt

@@ -46,7 +46,6 @@ void TraceOpenState(std::uint64_t flags, AppendStream* stream) {
   const CriticalSectionLock lock(state.lock);
   state.stream = stream;
   state.stopping = false;
-  state.process = state.environment->process_id();
   state.module_name = kTraceModuleName;
   TraceFlags.store(flags, std::memory_order_relaxed);
 }
@@ -67,9 +66,15 @@ void TraceMatchRing() {
 void TraceCloseState() {
   TraceState& state = SharedTraceState();
   const CriticalSectionLock lock(state.lock);
+  TraceCloseStateButRing();
+  FreeRing(state);
+}
+
+void TraceCloseStateButRing() {
+  TraceState& state = SharedTraceState();
+  const CriticalSectionLock lock(state.lock);
   TraceFlushFile(nullptr);
   CloseStream(state);
-  FreeRing(state);
   state.stream = nullptr;
   TraceFlags.store(0, std::memory_order_relaxed);
   state.settings_key = nullptr;

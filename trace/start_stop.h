@@ -44,6 +44,9 @@ void TraceMatchRing();
 /// REQUIRES: the library is started.
 void TraceCloseState();
 
+/// TraceCloseState without the ring, which stays as it is.
+void TraceCloseStateButRing();
+
 /// Prints do nothing from here on. Ends the lock. REQUIRES: the calling thread does not hold the lock.
 void TraceMarkStopped();
 

@@ -35,7 +35,6 @@ struct TraceState {
   std::atomic<bool> stopping{false};         ///< Set from the beginning of a stop to the next start: one stop is enough.
   /// Key of the settings, static text; null where there is none and while not started.
   std::atomic<const char*> settings_key{nullptr};
-  std::atomic<std::uint32_t> process{0};  ///< Id of the process that started the library.
   /// The system, or what a test puts in its place. Never null; changed only while the library is not started.
   const TraceEnvironment* environment = &kSystemEnvironment;
 

@@ -20,6 +20,9 @@ int OpenForAppending(const char* path) {
   return descriptor;
 }
 
+// Takes the lock if nobody has it. File systems without such locks have no others that ask for one.
+bool IsHeldByOthers(int descriptor) { return flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK; }
+
 // Writes all of the text unless that fails; returns the number of bytes written.
 std::size_t WriteAll(int descriptor, std::string_view text) {
   std::size_t done = 0;
@@ -42,7 +45,7 @@ std::optional<std::uint64_t> AppendFile::Open(const char* path) {
     return std::nullopt;
   }
   struct stat facts = {};
-  if (fstat(descriptor, &facts) != 0 || !S_ISREG(facts.st_mode) || flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
+  if (fstat(descriptor, &facts) != 0 || !S_ISREG(facts.st_mode) || IsHeldByOthers(descriptor)) {
     close(descriptor);
     return std::nullopt;
   }
@@ -76,6 +79,8 @@ void AppendFile::Close() {
   }
   const int descriptor = static_cast<int>(handle_ - 1);
   static_cast<void>(WriteAll(descriptor, {buffer_, buffered_}));
+  // A process that was forked meanwhile has the descriptor too, and would keep the lock.
+  flock(descriptor, LOCK_UN);
   close(descriptor);
   handle_ = 0;
   buffered_ = 0;

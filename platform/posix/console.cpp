@@ -25,9 +25,21 @@ constexpr std::string_view EscapeSequence(ConsoleColor color) {
 }  // namespace
 
 void WriteConsoleText(std::string_view text) {
-  // Through stdio, so that the text keeps its place among what the program itself prints.
-  static_cast<void>(std::fwrite(text.data(), 1, text.size(), stdout));
-  static_cast<void>(std::fflush(stdout));
+  // Through stdio, so that the text keeps its place among what the program itself prints. Never waiting for it: a thread that
+  // crashed in the middle of a print has it for ever.
+  if (ftrylockfile(stdout) == 0) {
+    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stdout));
+    static_cast<void>(std::fflush(stdout));
+    funlockfile(stdout);
+    return;
+  }
+  while (!text.empty()) {
+    const ssize_t count = write(STDOUT_FILENO, text.data(), text.size());
+    if (count <= 0) {
+      return;
+    }
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
 }
 
 SavedConsoleColor SetConsoleColor(ConsoleColor color) {

@@ -16,10 +16,21 @@ namespace {
 
 std::atomic<CrashHandler> crash_handler = nullptr;
 
+SRWLOCK one_crash = SRWLOCK_INIT;
+std::atomic<DWORD> crashing_thread = 0;
+
+// A thread that crashes while another one is handled waits for that; one that crashes in its own handler goes on.
 LONG WINAPI OnUnhandledException(EXCEPTION_POINTERS* exception) {
+  if (crashing_thread == GetCurrentThreadId()) {
+    return EXCEPTION_CONTINUE_SEARCH;
+  }
+  AcquireSRWLockExclusive(&one_crash);
+  crashing_thread = GetCurrentThreadId();
   if (const CrashHandler handler = crash_handler; handler != nullptr) {
     handler({exception});
   }
+  crashing_thread = 0;
+  ReleaseSRWLockExclusive(&one_crash);
   return EXCEPTION_CONTINUE_SEARCH;
 }
 
@@ -36,6 +47,9 @@ void RemoveCrashFilter() {
 }
 
 void RemoveOwnCrashFilter() {
+  if (crash_handler == nullptr) {
+    return;  // Nothing of ours is installed.
+  }
   // The system tells which filter is installed only to who replaces it.
   const LPTOP_LEVEL_EXCEPTION_FILTER installed = SetUnhandledExceptionFilter(nullptr);
   if (installed != &OnUnhandledException) {

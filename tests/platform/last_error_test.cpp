@@ -13,6 +13,7 @@ TEST(LastErrorTest, EachThreadHasItsOwn) {
     SetLastErrorCode(ErrorCode::kAlreadyExists);
     EXPECT_EQ(LastErrorCode(), 183u);
   }).join();
+  EXPECT_EQ(LastErrorCode(), 21u);
   SetLastErrorCode(ErrorCode::kInvalidParameter);
   EXPECT_EQ(LastErrorCode(), 87u);
 }

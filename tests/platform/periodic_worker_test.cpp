@@ -5,6 +5,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+#include <semaphore>
 #include <thread>
 
 namespace zt::testing {
@@ -51,8 +52,35 @@ TEST_F(PeriodicWorkerTest, NoTickRunsAfterAStop) {
   ASSERT_TRUE(StartPeriodicWorker(1, &CountTick));
   ticks_.WaitFor(1);
   StopPeriodicWorker();
-  // What a tick would write to is gone now, which the sanitizers would see.
-  ticks = nullptr;
+  const int count = ticks_.count;
+  // Another worker's ticks tell that time has passed.
+  static std::atomic<int> others;
+  others = 0;
+  ASSERT_TRUE(StartPeriodicWorker(1, [] {
+    ++others;
+    others.notify_all();
+  }));
+  for (int seen = others; seen < 20; seen = others) {
+    others.wait(seen);
+  }
+  StopPeriodicWorker();
+  EXPECT_EQ(ticks_.count, count);
+}
+
+TEST_F(PeriodicWorkerTest, AbandonedWorkerIsNotWaitedFor) {
+  static std::binary_semaphore is_inside(0);
+  static std::binary_semaphore may_leave(0);
+  static std::binary_semaphore has_left(0);
+  ASSERT_TRUE(StartPeriodicWorker(1, [] {
+    is_inside.release();
+    may_leave.acquire();
+    has_left.release();
+  }));
+  is_inside.acquire();
+  AbandonPeriodicWorker();
+  StopPeriodicWorker();  // Would never return, were the worker still known.
+  may_leave.release();
+  has_left.acquire();
 }
 
 TEST_F(PeriodicWorkerTest, StopDoesNotWaitForThePeriod) {

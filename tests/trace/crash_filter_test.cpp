@@ -1,6 +1,7 @@
 #include "trace/crash_filter.h"
 
 #include "tests/trace/library_test.h"
+#include "trace/lock_user.h"
 
 namespace zt::testing {
 namespace {
@@ -61,6 +62,18 @@ TEST_F(CrashFilterTest, PathWithoutFolderStopsTheLibraryAndLeavesNoDump) {
   TraceCrashFilter(SomeDetails());
   EXPECT_FALSE(SharedTraceState().started);
   EXPECT_THAT(FakeLibrary().dumps, IsEmpty());
+}
+
+TEST_F(CrashFilterTest, CrashInTheMiddleOfAPrintIsHandled) {
+  Start(kBareToFile, 0);
+  Print("before");
+  {
+    const LockUser user(SharedTraceState());
+    const CriticalSectionLock lock(SharedTraceState().lock);
+    TraceCrashFilter(SomeDetails());
+  }
+  EXPECT_EQ(FakeLibrary().dumps.size(), 1u);
+  EXPECT_EQ(Log("zteng.log"), std::string("before\r\n") + kStopped);
 }
 
 TEST_F(CrashFilterTest, SecondCrashInTheSameSecondHasTheSameDump) {

@@ -197,18 +197,27 @@ TEST_F(LibraryTest, StopDuringAStopLeavesItToTheFirst) {
   EXPECT_THAT(FakeLibrary().events, ElementsAre("start worker 300", "stop worker"));
 }
 
-TEST_F(LibraryTest, StopInAForkedProcessLeavesEverythingToTheParent) {
+TEST_F(LibraryTest, LibraryWithoutAWorkerPrintsAllTheSame) {
+  environment_.start_worker = [](std::uint32_t, void (*)()) { return false; };
   Start(kBareToFile, 0);
-  Print("the parent's");
-  FakeLibrary().events.clear();
-  environment_.process_id = [] { return std::uint32_t{1235}; };
+  Print("text");
   TraceStop();
-  EXPECT_TRUE(SharedTraceState().started);
-  EXPECT_THAT(FakeLibrary().events, IsEmpty());
-  EXPECT_THAT(LogNames(), IsEmpty());
-  environment_.process_id = kFakeEnvironment.process_id;
+  EXPECT_EQ(Log("zteng.log"), std::string("text\r\n") + kStopped);
+}
+
+TEST_F(LibraryTest, StopInACrashLeavesTheRingForTheDump) {
+  Start(0x200 | 0xFF0000, 0);
+  Print("kept");
+  TraceMemLogHead* const ring = SharedTraceState().ring;
+  TraceStopInCrash();
+  EXPECT_FALSE(SharedTraceState().started);
+  EXPECT_EQ(SharedTraceState().ring, ring);
+  EXPECT_STREQ(ring->slots[0], "kep");
+  // The next life of the library goes on with it, or frees it.
+  Start(0x200 | 0xFF0000, 0);
+  EXPECT_EQ(SharedTraceState().ring, ring);
   TraceStop();
-  EXPECT_EQ(Log("zteng.log"), std::string("the parent's\r\n") + kStopped);
+  EXPECT_EQ(SharedTraceState().ring, nullptr);
 }
 
 TEST_F(LibraryTest, StopLineIsWrittenWithTheInfoFlagSet) {

@@ -1,5 +1,7 @@
 #include "trace/settings_worker.h"
 
+#include <thread>
+
 #include "tests/trace/library_test.h"
 #include "trace/build_stamp.h"
 
@@ -182,6 +184,63 @@ TEST_F(SettingsWorkerTest, ChangedSizeAloneLeavesTheFilterAlone) {
   FakeLibrary().events.clear();
   ChangeTo({{"flag", kBareToFile}, {"size", 3}});
   EXPECT_THAT(FakeLibrary().events, IsEmpty());
+}
+
+TEST_F(SettingsWorkerTest, SizeOfZeroGoesBackToTheOneFile) {
+  Start(kBareToFile, 3);
+  ChangeTo({{"flag", kBareToFile}, {"size", 0}});
+  TraceStop();
+  EXPECT_EQ(Log("zteng.log"), ChangeLine("type: 0xff0101 size: 0") + kStopped);
+}
+
+TEST_F(SettingsWorkerTest, FlagAndSizeChangeTogether) {
+  MakeLog("zteng.log", 5, 0);
+  Start(kBareToFile, 3);
+  ChangeTo({{"flag", 0x200 | 0xFF0000}, {"size", 0}});
+  EXPECT_THAT(LogNames(), IsEmpty());
+  // The deletion left a rotation file current, and then the size chose the plain one.
+  EXPECT_EQ(SharedLogFiles().current().view(), LogPath("zteng.log").string());
+}
+
+TEST_F(SettingsWorkerTest, NamesStayWhenTheProcessIdIsAskedForLater) {
+  Start(kBareToFile, 0);
+  ChangeTo({{"flag", kBareToFile | 0x1000000}, {"size", 0}});
+  TraceStop();
+  EXPECT_THAT(LogNames(), ElementsAre("zteng.log"));
+}
+
+// A tick that waited for the lock would never end where a thread crashed while it held it.
+TEST_F(SettingsWorkerTest, TickDoesNotWaitForTheLock) {
+  Start(kBareToFile, 0);
+  Print("pending");
+  FakeLibrary().settings["flag"] = kBareToFile | 0x2;
+  {
+    const CriticalSectionLock lock(SharedTraceState().lock);
+    std::thread([] { TickAfter(11000); }).join();
+    EXPECT_THAT(LogNames(), IsEmpty());
+    EXPECT_EQ(TraceFlags, kBareToFile);
+  }
+  // The turn was skipped, not lost.
+  TickAfter(0);
+  EXPECT_EQ(TraceFlags, kBareToFile | 0x2);
+}
+
+TEST_F(SettingsWorkerTest, TimesAreTakenByTheCountersFrequency) {
+  environment_.performance_frequency = [] { return std::int64_t{10000}; };  // Ten ticks a millisecond.
+  Start(kBareToFile, 0);
+  Print("pending");
+  TickAfter(1009);  // Ticks: 100.9 ms.
+  EXPECT_THAT(LogNames(), IsEmpty());
+  TickAfter(1);
+  EXPECT_THAT(LogNames(), ElementsAre("zteng.log"));
+}
+
+TEST_F(SettingsWorkerTest, TimesOfMonthsDoNotOverflow) {
+  environment_.performance_frequency = [] { return std::int64_t{1000000000}; };
+  Start(kBareToFile, 0);
+  Print("pending");
+  TickAfter(std::int64_t{200} * 86400 * 1000000000);
+  EXPECT_THAT(LogNames(), ElementsAre("zteng.log"));
 }
 
 TEST_F(SettingsWorkerTest, MissingKeySwitchesTracingOff) {

@@ -39,14 +39,17 @@ TEST(PosixAppendFileTest, FileIsNotInheritedByOtherPrograms) {
   const ScratchFolder folder;
   AppendFile file;
   ASSERT_TRUE(file.Open(folder.Path("file").c_str()).has_value());
+  int found = 0;
   int inheritable = 0;
   for (const auto& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
     std::error_code gone;
-    if (std::filesystem::read_symlink(entry, gone) == folder.Path("file")) {
+    if (std::filesystem::read_symlink(entry, gone) == std::filesystem::canonical(folder.Path("file"))) {
       const int flags = fcntl(std::stoi(entry.path().filename().string()), F_GETFD);
+      ++found;
       inheritable += (flags & FD_CLOEXEC) == 0 ? 1 : 0;
     }
   }
+  EXPECT_EQ(found, 1);
   EXPECT_EQ(inheritable, 0);
   file.Close();
 }
@@ -82,6 +85,30 @@ TEST(PosixAppendFileTest, FileThatAnotherProcessWritesToCannotBeOpened) {
   for (const int end : {opened[0], opened[1], looked[0], looked[1]}) {
     close(end);
   }
+}
+
+TEST(PosixAppendFileTest, ForkedProcessDoesNotKeepAClosedFileFromOthers) {
+  const ScratchFolder folder;
+  const std::string path = folder.Path("file");
+  AppendFile file;
+  ASSERT_EQ(file.Open(path.c_str()), 0u);
+  std::array<int, 2> closed = {};
+  ASSERT_EQ(pipe(closed.data()), 0);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    char byte = 0;
+    _exit(read(closed[0], &byte, 1) == 1 ? 0 : 1);
+  }
+  file.Close();
+  EXPECT_EQ(file.Open(path.c_str()), 0u);
+  file.Close();
+  ASSERT_EQ(write(closed[1], "x", 1), 1);
+  int status = 0;
+  ASSERT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  close(closed[0]);
+  close(closed[1]);
 }
 
 // Every write to this device fails as one to a full disk does.
