@@ -4,9 +4,11 @@
 
 #include <atomic>
 #include <condition_variable>
+#include <cstdlib>
 #include <mutex>
-#include <semaphore>
 #include <thread>
+
+#include "tests/support/gate.h"
 
 namespace zt::testing {
 namespace {
@@ -54,33 +56,45 @@ TEST_F(PeriodicWorkerTest, NoTickRunsAfterAStop) {
   StopPeriodicWorker();
   const int count = ticks_.count;
   // Another worker's ticks tell that time has passed.
-  static std::atomic<int> others;
-  others = 0;
-  ASSERT_TRUE(StartPeriodicWorker(1, [] {
-    ++others;
-    others.notify_all();
-  }));
-  for (int seen = others; seen < 20; seen = others) {
-    others.wait(seen);
-  }
+  Ticks others;
+  ticks = &others;
+  ASSERT_TRUE(StartPeriodicWorker(1, &CountTick));
+  others.WaitFor(20);
   StopPeriodicWorker();
   EXPECT_EQ(ticks_.count, count);
 }
 
-TEST_F(PeriodicWorkerTest, AbandonedWorkerIsNotWaitedFor) {
-  static std::binary_semaphore is_inside(0);
-  static std::binary_semaphore may_leave(0);
-  static std::binary_semaphore has_left(0);
-  ASSERT_TRUE(StartPeriodicWorker(1, [] {
-    is_inside.release();
-    may_leave.acquire();
-    has_left.release();
-  }));
-  is_inside.acquire();
-  AbandonPeriodicWorker();
-  StopPeriodicWorker();  // Would never return, were the worker still known.
-  may_leave.release();
-  has_left.acquire();
+// A tick that a test lets in and out.
+struct GuardedTick {
+  Gate is_inside;
+  Gate may_leave;
+  Gate has_left;
+  std::atomic<bool> is_done{false};
+};
+
+GuardedTick* guarded = nullptr;
+
+void PassGates() {
+  guarded->is_inside.Open();
+  guarded->may_leave.Wait();
+  guarded->is_done = true;
+  guarded->has_left.Open();
+}
+
+// In a process of its own, which ends with the tick.
+TEST(PeriodicWorkerDeathTest, AbandonedWorkerIsNotWaitedFor) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        GuardedTick tick;
+        guarded = &tick;
+        StartPeriodicWorker(1, &PassGates);
+        tick.is_inside.Wait();
+        AbandonPeriodicWorker();
+        StopPeriodicWorker();  // Would never return, were the worker still known.
+        std::_Exit(tick.is_done ? 1 : 0);
+      },
+      ::testing::ExitedWithCode(0), "");
 }
 
 TEST_F(PeriodicWorkerTest, StopDoesNotWaitForThePeriod) {
@@ -101,22 +115,13 @@ TEST_F(PeriodicWorkerTest, WorkerStartsAgain) {
 }
 
 TEST_F(PeriodicWorkerTest, StopWaitsForTheTickThatRuns) {
-  static std::atomic<bool> is_inside{false};
-  static std::atomic<bool> has_left{false};
-  static std::atomic<bool> may_leave{false};
-  ASSERT_TRUE(StartPeriodicWorker(1, [] {
-    is_inside = true;
-    is_inside.notify_all();
-    may_leave.wait(false);
-    has_left = true;
-  }));
-  is_inside.wait(false);
-  std::thread release([] {
-    may_leave = true;
-    may_leave.notify_all();
-  });
+  GuardedTick tick;
+  guarded = &tick;
+  ASSERT_TRUE(StartPeriodicWorker(1, &PassGates));
+  tick.is_inside.Wait();
+  std::thread release([&tick] { tick.may_leave.Open(); });
   StopPeriodicWorker();
-  EXPECT_TRUE(has_left);
+  EXPECT_TRUE(tick.is_done);
   release.join();
 }
 

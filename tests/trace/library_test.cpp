@@ -2,10 +2,10 @@
 
 #include <cstdio>
 #include <regex>
-#include <semaphore>
 #include <thread>
 
 #include "platform/last_error.h"
+#include "tests/support/gate.h"
 #include "tests/trace/library_test.h"
 #include "trace/build_stamp.h"
 
@@ -248,18 +248,18 @@ TEST_F(LibraryTest, StopWithoutThreadsWritesWhatIsPending) {
 TEST_F(LibraryTest, StopWithoutThreadsGivesUpWhereAnotherThreadHasTheLock) {
   Start(kBareToFile, 0);
   Print("pending");
-  std::binary_semaphore is_held(0);
-  std::binary_semaphore may_go_on(0);
+  Gate is_held;
+  Gate may_go_on;
   std::thread holder([&] {
     const CriticalSectionLock lock(SharedTraceState().lock);
-    is_held.release();
-    may_go_on.acquire();
+    is_held.Open();
+    may_go_on.Wait();
   });
-  is_held.acquire();
+  is_held.Wait();
   TraceStopWithoutThreads();
   EXPECT_TRUE(SharedTraceState().started);
   EXPECT_THAT(LogNames(), IsEmpty());
-  may_go_on.release();
+  may_go_on.Open();
   holder.join();
 }
 

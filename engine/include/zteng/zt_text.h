@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-/// UTF-16 text in two bytes a unit on every system: a wide string takes four where wchar_t has them, and a process keeps a path for
-/// each file that it touched.
+/// UTF-16 text in two bytes a unit on every system: a wide string takes four where wchar_t has them, and a process keeps a path
+/// for each file that it touched.
 class ZtText {
  public:
   ZtText() = default;
