@@ -48,7 +48,8 @@ need() {
   can_be_root || cannot "these packages are missing and only root can install them: ${missing[*]}"
   say "Installing ${missing[*]}"
   as_root apt-get update -qq
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" </dev/null >/dev/null
+  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends -o DPkg::Lock::Timeout=300 \
+    "${missing[@]}" </dev/null >/dev/null
 }
 
 # quietly LOG COMMAND...: its output goes to the log, and is shown when it fails.

@@ -53,6 +53,8 @@ std::array<NamedOutput, 4> OutputsOf(const Options& options) {
 
 void Declare(CLI::App& app, RawOptions& raw) {
   Options& options = raw.options;
+  // A path may begin with a slash on every system.
+  app.allow_windows_style_options(false);
   app.add_option("CAPTURE", options.capture, "The capture; \"-\" for standard input")->required();
   app.add_option("--format", raw.format, "auto (by content), jsonl, records, procmon or sandbox")
       ->check(CLI::IsMember({"auto", "jsonl", "records", "procmon", "sandbox"}))
