@@ -3,7 +3,13 @@
 add_library(zt_compile_options INTERFACE)
 target_include_directories(zt_compile_options INTERFACE ${PROJECT_SOURCE_DIR})
 
+if(WIN32)
+  # The system's header would otherwise define macros named min and max, and bring in much that is not used.
+  target_compile_definitions(zt_compile_options INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN)
+endif()
 if(MSVC)
+  # The C library's functions are used as every system has them.
+  target_compile_definitions(zt_compile_options INTERFACE _CRT_SECURE_NO_WARNINGS _CRT_NONSTDC_NO_WARNINGS)
   target_compile_options(zt_compile_options INTERFACE /W4 /permissive- /utf-8)
   if(ZT_WARNINGS_AS_ERRORS)
     target_compile_options(zt_compile_options INTERFACE /WX)

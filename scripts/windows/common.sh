@@ -37,6 +37,17 @@ as_root() {
 
 can_be_root() { ((EUID == 0)) || sudo -n true 2>/dev/null; }
 
+# update_apt COMMAND...: apt-get update by way of COMMAND. Another run of it, such as the system's own each morning, is waited for.
+update_apt() {
+  local attempt
+  for attempt in {1..30}; do
+    "$@" apt-get update -qq && return
+    echo "${0##*/}: apt-get update failed ($attempt of 30); again in 10 seconds" >&2
+    sleep 10
+  done
+  return 1
+}
+
 # need PACKAGE...: installs those that are missing.
 need() {
   local missing=() package
@@ -47,7 +58,7 @@ need() {
   command -v apt-get >/dev/null || cannot "needs a Debian system"
   can_be_root || cannot "these packages are missing and only root can install them: ${missing[*]}"
   say "Installing ${missing[*]}"
-  as_root apt-get update -qq
+  update_apt as_root
   as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends -o DPkg::Lock::Timeout=300 \
     "${missing[@]}" </dev/null >/dev/null
 }
@@ -103,30 +114,47 @@ debian_archives() {
   apt-get indextargets --format '$(ORIGIN)|$(REPO_URI) $(RELEASE)' 'Created-By: Packages' | sed -n 's/^Debian|//p' | sort -u | sort -k 2,2 -t ' '
 }
 
+# Makes apt know its archives, which a slim system may not yet.
+need_archives() {
+  [[ -z $(debian_archives) ]] || return 0
+  ! can_be_root || update_apt as_root
+  [[ -n $(debian_archives) ]] || cannot "apt knows no Debian archive"
+}
+
 # sources_apt COMMAND...: apt with the machine's own archives as sources of source packages, and with state of its own, so that
 # the machine's configuration stays as it is.
 sources_apt() {
   local apt=$CACHE/apt command=$1
   shift
-  mkdir -p "$apt"/{lists/partial,archives/partial}
-  if [[ ! -s $apt/sources.list ]]; then
-    local archives
-    archives=$(debian_archives)
-    [[ -n $archives ]] || cannot "apt knows no Debian archive (apt-get update may be due)"
-    sed -E 's/$/ main/; s/^/deb-src /' <<<"$archives" >"$apt/sources.list"
-  fi
   "$command" -o Dir::Etc::SourceList="$apt/sources.list" -o Dir::Etc::SourceParts=- -o Dir::State::Lists="$apt/lists" \
     -o Dir::Cache="$apt" -o Dir::Cache::Archives="$apt/archives" -o APT::Sandbox::User= "$@"
 }
 
 # Reads the lists of source packages; once is enough while they lead to files that still exist.
-update_sources() { quietly "$CACHE/apt.log" sources_apt apt-get update; }
+update_sources() {
+  need_archives
+  local apt=$CACHE/apt
+  mkdir -p "$apt"/{lists/partial,archives/partial}
+  exec {lists_lock}>"$CACHE/.apt.lock"
+  flock "$lists_lock"
+  debian_archives | sed -E 's/$/ main/; s/^/deb-src /' >"$apt/sources.list"
+  quietly "$CACHE/apt.log" sources_apt apt-get update
+  exec {lists_lock}>&-
+}
+
+newest_source() {
+  [[ -d $CACHE/apt/lists ]] || return 0
+  sources_apt apt-cache showsrc --only-source "$1" 2>/dev/null | sed -n 's/^Version: //p' | sort -V | tail -n 1 || true
+}
 
 # source_version PACKAGE: the newest version of a source package.
 source_version() {
-  compgen -G "$CACHE/apt/lists/*Sources*" >/dev/null || update_sources
   local version
-  version=$(sources_apt apt-cache showsrc --only-source "$1" 2>/dev/null | sed -n 's/^Version: //p' | sort -V | tail -n 1)
+  version=$(newest_source "$1")
+  if [[ -z $version ]]; then
+    update_sources
+    version=$(newest_source "$1")
+  fi
   [[ -n $version ]] || fail "no source package $1 is known"
   echo "$version"
 }

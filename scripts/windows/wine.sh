@@ -29,11 +29,15 @@ has_wine_prefix() { [[ -f $WINEPREFIX/system.reg ]]; }
 
 # make_wine_prefix: makes the folder that Wine takes for its computer, and leaves its server running.
 make_wine_prefix() {
+  # What an interrupted run left would be taken for a whole one.
+  stop_wine
+  rm -rf "$WINEPREFIX"
   mkdir -p "$HOME" "$WINEPREFIX"
   start_wine
   # The message about the missing 32-bit part means nothing.
   in_system timeout -k 5 600 "$WINE" wineboot --init </dev/null >"$HOME/wineboot.log" 2>&1 || {
     cat "$HOME/wineboot.log" >&2
+    stop_wine
     fail "Wine cannot be set up"
   }
   # The server writes its files when it ends.
@@ -44,10 +48,10 @@ make_wine_prefix() {
 
 # Left running between programs, since a start takes seconds. With the caller's output in its hands the server would keep a
 # "$(...)" around the caller waiting. A second server sees the first and ends.
-start_wine() { in_system /usr/lib/wine/wineserver64 -p </dev/null >/dev/null 2>&1 || true; }
+start_wine() { in_system timeout -k 5 60 /usr/lib/wine/wineserver64 -p </dev/null >/dev/null 2>&1 || true; }
 
 stop_wine() {
-  in_system /usr/lib/wine/wineserver64 -k </dev/null >/dev/null 2>&1 || true
+  in_system timeout -k 5 60 /usr/lib/wine/wineserver64 -k </dev/null >/dev/null 2>&1 || true
   in_system timeout -k 5 60 /usr/lib/wine/wineserver64 -w </dev/null >/dev/null 2>&1 || true
 }
 
