@@ -56,6 +56,7 @@ class FileEvent {
   void StepRenamed(const std::wstring& source, const std::wstring& destination);
 
   [[nodiscard]] ZT_FILE_ITEM* Find(const std::wstring& path);
+  ZT_FILE_ITEM& Add(const std::wstring& path);
   ZtFileMap::iterator FindSimilar(const std::wstring& path);
   void MoveToWriteSimilar(ZT_FILE_ITEM& file);
   void StepItem(ZT_FILE_ITEM& file);
@@ -120,7 +121,7 @@ void FileEvent::Create() {
     AddToCreatedFilesList(path, item_);
     context_.SectionRenamed = 1;
   } else if (!item_.CreatedFilesList.Contains(path)) {
-    StepItem(item_.files.try_emplace(path).first->second);
+    StepItem(Add(path));
   }
 }
 
@@ -269,7 +270,10 @@ void FileEvent::StepRenamed(const std::wstring& source, const std::wstring& dest
   // The copy is made before the source is marked, so the destination does not get the mark from this rename.
   ZT_FILE_ITEM copy = *file;
   copy.Renamed = true;
-  item_.files.insert_or_assign(destination, std::move(copy));
+  const auto [entry, is_new] = item_.files.insert_or_assign(destination, std::move(copy));
+  if (is_new) {
+    item_.FileIndex.OnAdded(*entry);
+  }
   file->Similar = true;
   context_.SimilarFound = false;
   context_.PrevFolder = &item_.PrevFolder;
@@ -279,8 +283,15 @@ void FileEvent::StepRenamed(const std::wstring& source, const std::wstring& dest
 }
 
 ZT_FILE_ITEM* FileEvent::Find(const std::wstring& path) {
-  const auto found = item_.files.find(path);
-  return found == item_.files.end() ? nullptr : &found->second;
+  ZtFileMap::value_type* const found = item_.FileIndex.Find(item_.files, path);
+  return found == nullptr ? nullptr : &found->second;
+}
+
+// REQUIRES: the process has no record of it.
+ZT_FILE_ITEM& FileEvent::Add(const std::wstring& path) {
+  const auto entry = item_.files.try_emplace(path).first;
+  item_.FileIndex.OnAdded(*entry);
+  return entry->second;
 }
 
 ZtFileMap::iterator FileEvent::FindSimilar(const std::wstring& path) {

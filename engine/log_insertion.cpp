@@ -47,8 +47,8 @@ ZtFileMap::value_type* ChargeableFile(ProcessTree::Entry* process, const std::ws
     ZT_TRACE_DEBUG("Pid node not found\n");
     return nullptr;
   }
-  const auto file = process->Item.files.find(path);
-  if (file == process->Item.files.end()) {
+  ZtFileMap::value_type* const file = process->Item.FileIndex.Find(process->Item.files, path);
+  if (file == nullptr) {
     ZT_TRACE_DEBUG("Cannot find file in file context\n");
     return nullptr;
   }
@@ -56,7 +56,7 @@ ZtFileMap::value_type* ChargeableFile(ProcessTree::Entry* process, const std::ws
     ZT_TRACE_DEBUG("File already penalized\n");
     return nullptr;
   }
-  return &*file;
+  return file;
 }
 
 /// Multiplies the scores of the process and of all its ancestors.

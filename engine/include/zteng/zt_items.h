@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 
+#include "zteng/zt_file_index.h"
 #include "zteng/zt_path_list.h"
 #include "zteng/zt_text.h"
 
@@ -92,6 +93,7 @@ struct _ZT_PID_ITEM {
   std::int64_t ScoreTime = 0;  ///< LOG_ITEM::Time of the last penalty.
   std::wstring NameDiff;       ///< The name difference that the similar-file search learned last.
   ZtFileMap files;
+  ZtFileIndex FileIndex;      ///< Finds the records of `files` by their path.
   ZtPathList QuarantineList;  ///< Lower-case paths of files that the process made, changed or moved.
   ZtPathList
       CreatedFilesList;  ///< Lower-case paths of files that the process made; opening them again is no open of a user's file.
