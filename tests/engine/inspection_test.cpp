@@ -267,5 +267,37 @@ TEST_F(InspectionTest, AnIdThatOnlyAQueryMadeKnownIsNotFound) {
   EXPECT_FALSE(FindProcess(engine_, 77, process));
 }
 
+// What it is told, in order: "list SIZE" and "KEY = PATH", with "!" behind what was overwritten.
+class FinalStateRecorder : public FinalStateVisitor {
+ public:
+  void OnQuarantine(const ZtPathList& list) override { told.push_back(L"list " + std::to_wstring(list.size())); }
+  void OnFile(const std::wstring& key, const ZT_FILE_ITEM& file, bool restored) override {
+    told.push_back(key + L" = " + file.Path.Wide() + (restored ? L"!" : L""));
+  }
+
+  std::vector<std::wstring> told;
+};
+
+TEST_F(InspectionTest, FinalStateIsToldFileByFileInTheOrderOfKeys) {
+  ZT_FILE_ITEM& moved = Track(1, L"c:\\d\\b.doc", ZT_DELETE_ORG);
+  moved.Similar = true;
+  moved.Path = L"C:\\D\\B.doc";
+  Track(1, L"c:\\d\\a.doc", ZT_OVERWRITE).Similar = true;
+  Track(1, L"c:\\d\\c.doc", ZT_OVERWRITE);
+  ItemOf(1)->QuarantineList.Add(L"c:\\d\\x.doc");
+  FinalStateRecorder recorder;
+  EXPECT_TRUE(VisitFinalState(engine_, 1, recorder));
+  EXPECT_EQ(recorder.told,
+            (std::vector<std::wstring>{L"list 1", L"c:\\d\\a.doc = c:\\d\\a.doc!", L"c:\\d\\b.doc = C:\\D\\B.doc"}));
+}
+
+TEST_F(InspectionTest, FinalStateOfAnUnknownProcessIsNothing) {
+  FinalStateRecorder recorder;
+  EXPECT_TRUE(VisitFinalState(engine_, 77, recorder));
+  EXPECT_TRUE(recorder.told.empty());
+  std::shared_ptr<void> none;
+  EXPECT_FALSE(VisitFinalState(none, 1, recorder));
+}
+
 }  // namespace
 }  // namespace zt::testing

@@ -43,6 +43,19 @@ TEST(ClockTest, FileTimeIsTheSystemsTime) {
   EXPECT_LE(file_time, kFrom1601To1970 + after + kSecond);
 }
 
+TEST(ClockTest, UptimeIsTheSystems) {
+  // The steady clock tells that the second reading comes no more than its own measure later.
+  const std::int64_t steady_before = SteadyNanoseconds();
+  const std::uint32_t before = SystemUptimeMilliseconds();
+  std::uint32_t after = before;
+  while (after == before) {
+    after = SystemUptimeMilliseconds();
+  }
+  const std::int64_t passed_ms = (SteadyNanoseconds() - steady_before) / 1000000;
+  EXPECT_LE(std::int64_t{after - before}, passed_ms + 32);  // Some systems count in steps of 16 ms.
+  EXPECT_GT(before, 0u);
+}
+
 TEST(ClockTest, LocalTimeAgreesWithTheCLibrary) {
   // Winter and summer, a leap day, the first and last second of a year, and beyond 2038.
   for (const std::int64_t seconds : {1752571463LL, 1736899200LL, 1709210096LL, 1735689599LL, 1735689600LL, 4102444800LL}) {

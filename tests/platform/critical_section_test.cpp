@@ -61,6 +61,23 @@ TEST(CriticalSectionTest, OthersWaitForTheLastLeave) {
   EXPECT_EQ(seen, 2);
 }
 
+TEST(CriticalSectionTest, TryingTakesAFreeLockOnly) {
+  CriticalSection section;
+  section.Init();
+  ASSERT_TRUE(section.TryEnter());
+  EXPECT_TRUE(section.TryEnter());  // The holder may take it again.
+  bool others = true;
+  std::thread([&] { others = section.TryEnter(); }).join();
+  EXPECT_FALSE(others);
+  section.Leave();
+  section.Leave();
+  std::thread([&] {
+    others = section.TryEnter();
+    section.Leave();
+  }).join();
+  EXPECT_TRUE(others);
+}
+
 TEST(CriticalSectionTest, OneThreadAtATime) {
   constexpr int kThreadCount = 4;
   constexpr int kRounds = 20000;
