@@ -24,10 +24,15 @@ bool MatchesOrLearn(std::wstring& name_diff, std::wstring_view difference) {
 
 /// The item's whole name stands in the target's at `position`: what was put around it is the difference.
 bool MatchContainedName(std::wstring& name_diff, const TargetName& target, std::wstring_view item_name, std::size_t position) {
-  std::wstring difference(target.name.substr(0, position));
-  difference += target.name.substr(position + item_name.size());
-  ZT_TRACE_DEBUG_AT(233, "Name diff: %ws", difference.c_str());
-  return MatchesOrLearn(name_diff, difference);
+  const std::wstring_view before = target.name.substr(0, position);
+  const std::wstring_view after = target.name.substr(position + item_name.size());
+  ZT_TRACE_DEBUG_AT(233, "Name diff: %ws", Text(before).append(after).c_str());
+  if (name_diff.size() == before.size() + after.size() && name_diff.starts_with(before) && name_diff.ends_with(after)) {
+    return true;
+  }
+  name_diff.reserve(before.size() + after.size());
+  name_diff.assign(before).append(after);
+  return false;
 }
 
 /// The extension is new. Its dot makes it differ from every common extension, which are listed without: none is excused.
