@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include <algorithm>
 #include <new>
 
 namespace zt {
@@ -43,12 +44,19 @@ void CriticalSection::Delete() {
 
 void CriticalSection::Enter() {
   // What the lock guards is mostly done within a microsecond or two, which is less than it takes to fall asleep and be woken.
-  constexpr int kTries = 200;
+  // The pauses grow: each try takes the lock's cache line from its holder, and a holder that comes back at once finds in its
+  // own cache what the lock guards.
+  constexpr int kTries = 14;
+  constexpr int kLongestPause = 1024;
+  int pause = 1;
   for (int i = 0; i < kTries; ++i) {
     if (TryEnter()) {
       return;
     }
-    Pause();
+    for (int left = pause; left > 0; --left) {
+      Pause();
+    }
+    pause = std::min(pause * 2, kLongestPause);
   }
   pthread_mutex_lock(MutexIn(storage_));
 }
