@@ -82,20 +82,25 @@ class RealEngine {
   std::shared_ptr<void> handle_;
 };
 
-/// An engine whose process 1000 has opened and read files 0 to `files` - 1 of one folder, in this order. They are handed out
-/// in a shuffled order that is the same in every run.
+/// In which order a folder's files are handed out: in the same shuffled one in every run, or as the folder lists them.
+enum class Order : std::uint8_t { kShuffled, kListed };
+
+/// An engine whose process 1000 has opened and read files 0 to `files` - 1 of one folder, in this order.
 template <typename Engine>
 class TrackedFolder {
  public:
   template <typename... Arguments>
-  explicit TrackedFolder(std::size_t files, Arguments... arguments) : engine_(arguments...), shuffled_(files) {
+  explicit TrackedFolder(std::size_t files, Order order = Order::kShuffled, Arguments... arguments)
+      : engine_(arguments...), order_(files) {
     Insert(MakeRecord(0, BehaviorProcessCreate, L"C:\\Windows\\app.exe", kPid));
     for (std::size_t file = 0; file < files; ++file) {
       Insert(MakeOpen(file));
       Insert(MakeRead(file));
     }
-    std::iota(shuffled_.begin(), shuffled_.end(), std::size_t{0});
-    std::shuffle(shuffled_.begin(), shuffled_.end(), std::mt19937(1));
+    std::iota(order_.begin(), order_.end(), std::size_t{0});
+    if (order == Order::kShuffled) {
+      std::shuffle(order_.begin(), order_.end(), std::mt19937(1));
+    }
   }
 
   void Insert(const LOG_ITEM& record) { engine_.InsertLog(&record); }
@@ -103,8 +108,8 @@ class TrackedFolder {
   /// Events of one kind on the next `count` files, each of which is handed out once until all were.
   std::vector<LOG_ITEM> NextEvents(EventMaker make, std::size_t count) {
     std::vector<LOG_ITEM> events;
-    for (; count > 0; --count, next_ = (next_ + 1) % shuffled_.size()) {
-      events.push_back(make(shuffled_[next_]));
+    for (; count > 0; --count, next_ = (next_ + 1) % order_.size()) {
+      events.push_back(make(order_[next_]));
     }
     return events;
   }
@@ -113,7 +118,7 @@ class TrackedFolder {
 
  private:
   Engine engine_;
-  std::vector<std::size_t> shuffled_;
+  std::vector<std::size_t> order_;
   std::size_t next_ = 0;
 };
 

@@ -12,7 +12,7 @@ namespace {
 using ModelFolder = TrackedFolder<model::ModelEngine>;
 
 void FeedModel(benchmark::State& state, EventMaker make) {
-  static ModelFolder folder(static_cast<std::size_t>(state.range(0)), 1U, std::uint64_t{0});
+  static ModelFolder folder(static_cast<std::size_t>(state.range(0)), Order::kShuffled, 1U, std::uint64_t{0});
   double seconds = 0;
   for (auto _ : state) {
     const std::vector<LOG_ITEM> events = folder.NextEvents(make, 1);
