@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <new>
 
 #include "bench/folder.h"
@@ -49,6 +50,24 @@ void Free(void* memory) {
 void* operator new(std::size_t size) { return Allocate(size); }
 void operator delete(void* memory) noexcept { Free(memory); }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { Free(memory); }
+
+// An aligned block lies in a larger one, whose address stands in front of it.
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  std::size_t space = size + static_cast<std::size_t>(alignment);
+  void* const block = Allocate(sizeof(void*) + space);
+  void* aligned = static_cast<void**>(block) + 1;
+  std::align(static_cast<std::size_t>(alignment), size, aligned, space);
+  static_cast<void**>(aligned)[-1] = block;
+  return aligned;
+}
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
+  if (memory != nullptr) {
+    Free(static_cast<void**>(memory)[-1]);
+  }
+}
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t alignment) noexcept {
+  operator delete(memory, alignment);
+}
 
 namespace zt::bench {
 namespace {

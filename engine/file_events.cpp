@@ -270,10 +270,7 @@ void FileEvent::StepRenamed(const std::wstring& source, const std::wstring& dest
   // The copy is made before the source is marked, so the destination does not get the mark from this rename.
   ZT_FILE_ITEM copy = *file;
   copy.Renamed = true;
-  const auto [entry, is_new] = item_.files.insert_or_assign(destination, std::move(copy));
-  if (is_new) {
-    item_.FileIndex.OnAdded(*entry);
-  }
+  item_.FileIndex.FindOrAdd(item_.files, destination).first->second = std::move(copy);
   file->Similar = true;
   context_.SimilarFound = false;
   context_.PrevFolder = &item_.PrevFolder;
@@ -287,15 +284,10 @@ ZT_FILE_ITEM* FileEvent::Find(const std::wstring& path) {
   return found == nullptr ? nullptr : &found->second;
 }
 
-// REQUIRES: the process has no record of it.
-ZT_FILE_ITEM& FileEvent::Add(const std::wstring& path) {
-  const auto entry = item_.files.try_emplace(path).first;
-  item_.FileIndex.OnAdded(*entry);
-  return entry->second;
-}
+ZT_FILE_ITEM& FileEvent::Add(const std::wstring& path) { return item_.FileIndex.FindOrAdd(item_.files, path).first->second; }
 
 ZtFileMap::iterator FileEvent::FindSimilar(const std::wstring& path) {
-  const auto found = SearchSimilarFile(item_, item_.files, path);
+  const auto found = SearchSimilarFile(item_.NameDiff, item_.files, &item_.FileIndex, path);
   if (found != item_.files.end() && engine_.Observer != nullptr) {
     engine_.Observer->OnSimilarFile(process_.key, path, found->first);
   }

@@ -3,17 +3,13 @@
 #include <algorithm>
 #include <limits>
 
+#include "engine/paths.h"
+
 namespace zt {
 namespace {
 
 constexpr wchar_t kBackslash = L'\\';
 constexpr wchar_t kDot = L'.';
-
-std::size_t CommonPrefix(std::wstring_view a, std::wstring_view b) {
-  const std::size_t size = std::min(a.size(), b.size());
-  return static_cast<std::size_t>(std::mismatch(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(size), b.begin()).first -
-                                  a.begin());
-}
 
 }  // namespace
 
@@ -58,7 +54,20 @@ class FileOrder::StartUnits {
 ZtFileMap::iterator FileOrder::LowerBound(std::wstring_view head, std::wstring_view tail) {
   probe_.assign(head);
   probe_.append(tail);
-  return files_.lower_bound(probe_);
+  return LowerBoundOfProbe();
+}
+
+ZtFileMap::iterator FileOrder::LowerBoundOfProbe() {
+  return index_ != nullptr ? index_->LowerBound(files_, probe_) : files_.lower_bound(probe_);
+}
+
+// Without an index there may be any length.
+std::size_t FileOrder::NextPathLength(std::size_t length) const {
+  return index_ != nullptr ? index_->NextPathLength(length) : length;
+}
+
+std::size_t FileOrder::NextStemEnd(std::size_t length) const {
+  return index_ != nullptr ? index_->NextStemEnd(length) : length;
 }
 
 /// The first entry behind all keys that begin with head + tail.
@@ -72,7 +81,7 @@ ZtFileMap::iterator FileOrder::AfterPrefix(std::wstring_view head, std::wstring_
     return files_.end();
   }
   ++probe_.back();
-  return files_.lower_bound(probe_);
+  return LowerBoundOfProbe();
 }
 
 ZtFileMap::iterator FileOrder::SmallestKeyIn(std::wstring_view text) {
@@ -92,11 +101,11 @@ ZtFileMap::iterator FileOrder::SmallestKeyIn(std::wstring_view text) {
   return smallest;
 }
 
-/// The shortest key that begins `text`, or the end. The lower bound of a beginning of the text either is such a key, or shares
-/// more units with the text than the beginning had, and no key of a length in between begins the text; or it shares fewer, and
-/// no key begins with that much of the text.
+/// The shortest key that begins `text`, or the end. Only lengths that keys have are tried. The lower bound of a beginning of
+/// the text either is such a key, or shares more units with the text than the beginning had, and no key of a length in between
+/// begins the text; or it shares fewer, and no key begins with that much of the text.
 ZtFileMap::iterator FileOrder::ShortestKeyBeginning(std::wstring_view text) {
-  for (std::size_t length = 1; length <= text.size();) {
+  for (std::size_t length = NextPathLength(1); length <= text.size();) {
     const auto entry = LowerBound(text.substr(0, length));
     if (entry == files_.end()) {
       break;
@@ -108,34 +117,38 @@ ZtFileMap::iterator FileOrder::ShortestKeyBeginning(std::wstring_view text) {
     if (common < length) {
       break;
     }
-    length = common + 1;
+    length = NextPathLength(common + 1);
   }
   return files_.end();
 }
 
-void FileOrder::FindStemsIn(std::wstring_view folder, std::wstring_view name, FoundFiles& found) {
+void FileOrder::FindStemsIn(std::wstring_view folder, std::wstring_view name, ZtFileMap::iterator end, FoundFiles& found) {
   std::wstring prefix(folder);
   prefix += kBackslash;
   const StartUnits starts(*this, prefix);
   // The empty stem stands everywhere: that of an empty name, and of names that begin with their only dot.
-  if (const auto entry = LowerBound(prefix); entry != files_.end() && entry->first == prefix) {
-    found.Add(entry);
+  if (NextStemEnd(prefix.size()) == prefix.size()) {
+    if (const auto entry = LowerBound(prefix); entry != files_.end() && entry->first == prefix) {
+      found.Add(entry);
+    }
+    FindStem(prefix, {}, end, found);
   }
-  FindStem(prefix, {}, found);
   for (std::size_t position = 0; position < name.size(); ++position) {
     if (starts.MayHold(name[position])) {
-      FindStemsAtStartOf(prefix, name.substr(position), found);
+      FindStemsAtStartOf(prefix, name.substr(position), end, found);
     }
   }
 }
 
-/// Adds the entries whose stem begins `text` and is not empty.
+/// Adds the entries whose stem begins `text` and is not empty. Only lengths that stems have are tried.
 ///
 /// `entry` is the lower bound of a beginning of the text, of `length` units, and shares `common` units with the text. A name
 /// with a stem of between `length` and `common` units goes on with a dot where `entry` goes on with the text's unit: it comes
 /// after `entry` only where that unit is not behind the dot. All other stems need no look-up.
-void FileOrder::FindStemsAtStartOf(std::wstring_view folder_prefix, std::wstring_view text, FoundFiles& found) {
-  for (std::size_t length = 1; length <= text.size();) {
+void FileOrder::FindStemsAtStartOf(std::wstring_view folder_prefix, std::wstring_view text, ZtFileMap::iterator end,
+                                   FoundFiles& found) {
+  const auto next_stem = [&](std::size_t length) { return NextStemEnd(folder_prefix.size() + length) - folder_prefix.size(); };
+  for (std::size_t length = next_stem(1); length <= text.size();) {
     const auto entry = LowerBound(folder_prefix, text.substr(0, length));
     if (entry == files_.end() || !std::wstring_view(entry->first).starts_with(folder_prefix)) {
       return;
@@ -145,24 +158,26 @@ void FileOrder::FindStemsAtStartOf(std::wstring_view folder_prefix, std::wstring
     if (common < length) {
       return;
     }
-    for (std::size_t stem = length; stem < common; ++stem) {
-      if (text[stem] <= kDot) {
-        FindStem(folder_prefix, text.substr(0, stem), found);
-      }
-    }
     if (name.size() == common && name.find(kDot) == std::wstring_view::npos) {
       found.Add(entry);  // A name without a dot is its own stem.
     }
-    FindStem(folder_prefix, text.substr(0, common), found);
-    length = common + 1;
+    for (; length <= common; length = next_stem(length + 1)) {
+      if (length == common || text[length] <= kDot) {
+        FindStem(folder_prefix, text.substr(0, length), end, found);
+      }
+    }
   }
 }
 
+bool FileOrder::IsBefore(ZtFileMap::iterator entry, ZtFileMap::iterator end) const {
+  return entry != files_.end() && (end == files_.end() || entry->first < end->first);
+}
+
 /// Adds the entries that are `stem`, a dot and an extension without a further dot.
-void FileOrder::FindStem(std::wstring_view folder_prefix, std::wstring_view stem, FoundFiles& found) {
+void FileOrder::FindStem(std::wstring_view folder_prefix, std::wstring_view stem, ZtFileMap::iterator end, FoundFiles& found) {
   stem_prefix_.assign(folder_prefix).append(stem).push_back(kDot);
   const std::wstring_view prefix = stem_prefix_;
-  for (auto entry = LowerBound(prefix); entry != files_.end() && std::wstring_view(entry->first).starts_with(prefix);) {
+  for (auto entry = LowerBound(prefix); IsBefore(entry, end) && std::wstring_view(entry->first).starts_with(prefix);) {
     const std::wstring_view extension = std::wstring_view(entry->first).substr(prefix.size());
     const std::size_t stop = extension.find_first_of(L".\\");
     if (stop == std::wstring_view::npos) {

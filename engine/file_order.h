@@ -34,31 +34,39 @@ class FoundFiles {
   std::pmr::vector<ZtFileMap::iterator> entries_{&memory_};
 };
 
-/// Answers questions about a file map by descending its order: each answer takes a few look-ups, however many files there are.
+/// Answers questions about a file map by descending its order. What an answer costs is bounded by the text that is asked about
+/// and by what is found, and by names that go on with a dot behind a stem, not by the number of files.
 ///
 /// The order is that of code units, so all keys that begin with one prefix stand together, and a prefix comes before what it
 /// begins. One buffer holds the text of each look-up.
 class FileOrder {
  public:
-  explicit FileOrder(ZtFileMap& files) : files_(files) {}
+  /// @param index  that of `files`; null for a map that has none, which is then asked for every length of a path
+  FileOrder(ZtFileMap& files, ZtFileIndex* index)
+      : files_(files), index_(index != nullptr && index->Prepare(files) ? index : nullptr) {}
 
   /// The smallest key that stands somewhere in `text`, or the end.
   ZtFileMap::iterator SmallestKeyIn(std::wstring_view text);
 
   /// Adds to `found` every entry of `folder` (a path without its closing "\"), but not of its subfolders, whose stem stands
-  /// somewhere in `name`. REQUIRES: `name` holds no "\".
-  void FindStemsIn(std::wstring_view folder, std::wstring_view name, FoundFiles& found);
+  /// somewhere in `name`. Entries that are not less than `end` may be left out. REQUIRES: `name` holds no "\".
+  void FindStemsIn(std::wstring_view folder, std::wstring_view name, ZtFileMap::iterator end, FoundFiles& found);
 
  private:
   class StartUnits;
 
   ZtFileMap::iterator LowerBound(std::wstring_view head, std::wstring_view tail = {});
+  ZtFileMap::iterator LowerBoundOfProbe();
   ZtFileMap::iterator AfterPrefix(std::wstring_view head, std::wstring_view tail = {});
   ZtFileMap::iterator ShortestKeyBeginning(std::wstring_view text);
-  void FindStemsAtStartOf(std::wstring_view folder_prefix, std::wstring_view text, FoundFiles& found);
-  void FindStem(std::wstring_view folder_prefix, std::wstring_view stem, FoundFiles& found);
+  [[nodiscard]] std::size_t NextPathLength(std::size_t length) const;
+  [[nodiscard]] std::size_t NextStemEnd(std::size_t length) const;
+  [[nodiscard]] bool IsBefore(ZtFileMap::iterator entry, ZtFileMap::iterator end) const;
+  void FindStemsAtStartOf(std::wstring_view folder_prefix, std::wstring_view text, ZtFileMap::iterator end, FoundFiles& found);
+  void FindStem(std::wstring_view folder_prefix, std::wstring_view stem, ZtFileMap::iterator end, FoundFiles& found);
 
   ZtFileMap& files_;
+  ZtFileIndex* index_;
   std::wstring probe_;        ///< The text of the last look-up.
   std::wstring stem_prefix_;  ///< What FindStem looks for.
 };

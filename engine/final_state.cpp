@@ -1,5 +1,6 @@
 #include "engine/final_state.h"
 
+#include <iterator>
 #include <string_view>
 #include <unordered_set>
 
@@ -43,7 +44,10 @@ class CopyForHost : public FinalStateVisitor {
   CopyForHost(std::uint32_t engine_id, std::map<std::wstring, ZT_FILE_ITEM_PUBLIC>& files, std::vector<std::wstring>& paths)
       : engine_id_(engine_id), files_(files), paths_(paths) {}
 
-  void OnQuarantine(const ZtPathList& list) override { paths_.insert(paths_.begin(), list.begin(), list.end()); }
+  void OnQuarantine(const ZtPathList& list) override {
+    std::vector<std::wstring> paths = list.Paths();
+    paths_.insert(paths_.begin(), std::make_move_iterator(paths.begin()), std::make_move_iterator(paths.end()));
+  }
   void OnFile(const std::wstring& key, const ZT_FILE_ITEM& file, bool restored) override {
     ZT_FILE_ITEM_PUBLIC item;
     item.EngineId = engine_id_;

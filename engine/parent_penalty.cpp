@@ -6,12 +6,7 @@ namespace zt {
 
 bool ParentPenalty::operator()(ZT_PID_ITEM& ancestor) const {
   ZT_TRACE_DEBUG_AT(769, "Parent pid %d", Trace32(ancestor.Pid));
-  ZtFileMap::value_type* entry = ancestor.FileIndex.Find(ancestor.files, file_->first);
-  const bool is_new = entry == nullptr;
-  if (is_new) {
-    entry = &*ancestor.files.try_emplace(file_->first).first;
-    ancestor.FileIndex.OnAdded(*entry);
-  }
+  const auto [entry, is_new] = ancestor.FileIndex.FindOrAdd(ancestor.files, file_->first);
   ZT_FILE_ITEM& file = entry->second;
   if (file.penalized) {
     return false;

@@ -44,6 +44,10 @@ std::wstring_view FileNamePart(std::wstring_view path) {
 
 std::wstring_view UpToZero(std::wstring_view text) { return text.substr(0, text.find(L'\0')); }
 
+std::size_t CommonPrefix(std::wstring_view a, std::wstring_view b) {
+  return static_cast<std::size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
+}
+
 namespace {
 
 // Paths are mostly ASCII, for which the answer is known without a call.

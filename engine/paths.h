@@ -3,6 +3,7 @@
 #ifndef ZT_ENGINE_PATHS_H
 #define ZT_ENGINE_PATHS_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,8 @@ std::wstring_view DottedExtension(std::wstring_view name);
 std::wstring_view FileNamePart(std::wstring_view path);
 /// Up to the first zero unit.
 std::wstring_view UpToZero(std::wstring_view text);
+/// The number of units that both texts begin with.
+std::size_t CommonPrefix(std::wstring_view a, std::wstring_view b);
 /// Each unit by itself: A to Z, and others by towlower, which leaves them as they are in the locale that processes start in.
 std::wstring ToLower(std::wstring_view text);
 

@@ -33,8 +33,7 @@ void ForgetOldFiles(const _ZtEngineCore& engine, ZT_PID_ITEM& item, std::int64_t
     }
     ZT_TRACE_DEBUG_AT(1263, "File %ws does not need recovery, will be erased from file context. Time elapsed %lld",
                       file->first.c_str(), Trace64(age));
-    item.FileIndex.OnErased(*file);
-    file = item.files.erase(file);
+    file = item.FileIndex.Erase(item.files, file);
   }
 }
 

@@ -34,12 +34,12 @@ ZtFileMap::iterator WalkFiles(std::wstring& name_diff, ZtFileMap& files, std::ws
 
 /// The same without the entries that cannot match: only the smallest key that stands in the target ends the walk as it is, and
 /// only entries of the target's folder whose stem stands in its name do anything before that.
-ZtFileMap::iterator SearchByOrder(std::wstring& name_diff, ZtFileMap& files, std::wstring_view target) {
-  FileOrder order(files);
+ZtFileMap::iterator SearchByOrder(std::wstring& name_diff, ZtFileMap& files, ZtFileIndex* index, std::wstring_view target) {
+  FileOrder order(files, index);
   const auto contained = order.SmallestKeyIn(target);
   const TargetName target_name(target);
   FoundFiles found;
-  order.FindStemsIn(Folder(target), target_name.name, found);
+  order.FindStemsIn(Folder(target), target_name.name, contained, found);
   for (const auto& entry : found.SortedByKey()) {
     if (contained != files.end() && entry->first >= contained->first) {
       break;
@@ -53,9 +53,8 @@ ZtFileMap::iterator SearchByOrder(std::wstring& name_diff, ZtFileMap& files, std
 
 }  // namespace
 
-ZtFileMap::iterator SearchSimilarFile(ZT_PID_ITEM& process, ZtFileMap& files, std::wstring_view target) {
-  return files.size() <= kFilesToWalk ? WalkFiles(process.NameDiff, files, target)
-                                      : SearchByOrder(process.NameDiff, files, target);
+ZtFileMap::iterator SearchSimilarFile(std::wstring& name_diff, ZtFileMap& files, ZtFileIndex* index, std::wstring_view target) {
+  return files.size() <= kFilesToWalk ? WalkFiles(name_diff, files, target) : SearchByOrder(name_diff, files, index, target);
 }
 
 }  // namespace zt
@@ -65,5 +64,6 @@ ZtFileMap::iterator ZtSearchSimilarFile(std::shared_ptr<_ZtEngineCore>& engine, 
   if (!engine || !engine->Lock.IsInitialised()) {
     return files.end();
   }
-  return zt::SearchSimilarFile(process, files, target);
+  // Without the process's index: the map is the host's, who changes it as it likes.
+  return zt::SearchSimilarFile(process.NameDiff, files, nullptr, target);
 }

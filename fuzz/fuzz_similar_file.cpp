@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "engine/similar_file.h"
 #include "tests/model/model_similar.h"
@@ -51,7 +52,8 @@ class Texts {
 struct Folder {
   ZT_PID_ITEM process;
   zt::model::FileMap files;
-  std::wstring name_diff;
+  std::wstring map_name_diff;  ///< What the search by the map alone has learned; process.NameDiff is that of the index.
+  std::wstring model_name_diff;
   zt::model::ModelTrace trace{0};
 };
 
@@ -68,25 +70,40 @@ void Print(const char* what, std::wstring_view text) {
   std::fputs("\"\n", stderr);
 }
 
-/// Searches with both; ends the program where they differ.
+/// What a search shows: the key found, or that there is none, and the difference known afterwards.
+struct Outcome {
+  std::wstring found = L"(nothing)";
+  std::wstring learned;
+
+  friend bool operator==(const Outcome&, const Outcome&) = default;
+};
+
+template <typename Files>
+Outcome OutcomeOf(typename Files::iterator found, const Files& files, const std::wstring& name_diff) {
+  return found == files.end() ? Outcome{.learned = name_diff} : Outcome{found->first, name_diff};
+}
+
+/// Searches by the index, by the map alone and by the model; ends the program where they differ.
 void Search(Folder& folder, const std::wstring& target) {
-  constexpr std::wstring_view kNothing = L"(nothing)";
-  const auto found = zt::SearchSimilarFile(folder.process, folder.process.files, target);
-  const auto expected = zt::model::SearchSimilarFile(folder.name_diff, folder.files, target, folder.trace);
-  const bool engine_found = found != folder.process.files.end();
-  const bool model_found = expected != folder.files.end();
-  if (engine_found == model_found && (!engine_found || found->first == expected->first) &&
-      folder.process.NameDiff == folder.name_diff) {
+  ZT_PID_ITEM& process = folder.process;
+  const Outcome indexed = OutcomeOf(zt::SearchSimilarFile(process.NameDiff, process.files, &process.FileIndex, target),
+                                    process.files, process.NameDiff);
+  const Outcome alone = OutcomeOf(zt::SearchSimilarFile(folder.map_name_diff, process.files, nullptr, target), process.files,
+                                  folder.map_name_diff);
+  const Outcome model = OutcomeOf(zt::model::SearchSimilarFile(folder.model_name_diff, folder.files, target, folder.trace),
+                                  folder.files, folder.model_name_diff);
+  if (indexed == model && alone == model) {
     return;
   }
   for (const auto& [key, file] : folder.files) {
     Print("key", key);
   }
   Print("target", target);
-  Print("engine found", engine_found ? std::wstring_view(found->first) : kNothing);
-  Print("model found", model_found ? std::wstring_view(expected->first) : kNothing);
-  Print("engine learned", folder.process.NameDiff);
-  Print("model learned", folder.name_diff);
+  for (const auto& [name, outcome] : {std::pair("index", indexed), std::pair("map alone", alone), std::pair("model", model)}) {
+    std::fprintf(stderr, "%s:\n", name);
+    Print("  found", outcome.found);
+    Print("  learned", outcome.learned);
+  }
   std::abort();
 }
 

@@ -153,7 +153,7 @@ class AllocationFailureTest : public EngineTest {
   void ExpectConsistentLists() {
     for (auto& [key, entry] : core().Tree) {
       for (ZtPathList* list : {&entry.Item.QuarantineList, &entry.Item.CreatedFilesList}) {
-        const std::vector<std::wstring> paths = Paths(*list);
+        const std::vector<std::wstring> paths = list->Paths();
         EXPECT_EQ(std::set<std::wstring>(paths.begin(), paths.end()).size(), paths.size());
         for (const std::wstring& path : paths) {
           EXPECT_TRUE(list->Remove(path)) << Narrow(path);

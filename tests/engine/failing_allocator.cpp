@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdlib>
+#include <memory>
 #include <new>
 
 namespace zt::testing {
@@ -50,6 +51,22 @@ void Free(void* block) {
   }
 }
 
+// An aligned block lies in a larger one, whose address stands in front of it.
+void* AllocateAligned(std::size_t size, std::size_t alignment) {
+  std::size_t space = size + alignment;
+  void* const block = Allocate(sizeof(void*) + space);
+  void* aligned = static_cast<void**>(block) + 1;
+  std::align(alignment, size, aligned, space);
+  static_cast<void**>(aligned)[-1] = block;
+  return aligned;
+}
+
+void FreeAligned(void* aligned) {
+  if (aligned != nullptr) {
+    Free(static_cast<void**>(aligned)[-1]);
+  }
+}
+
 }  // namespace
 
 std::int64_t LiveAllocations() { return live_allocations; }
@@ -60,7 +77,7 @@ bool AllocationFailure::HasFailed() { return request.has_failed; }
 
 }  // namespace zt::testing
 
-// Every form that takes no alignment, so that no block of one allocator is freed by another.
+// Every form that the engine or the standard library calls, so that no block of one allocator is freed by another.
 void* operator new(std::size_t size) { return zt::testing::Allocate(size); }
 void* operator new[](std::size_t size) { return zt::testing::Allocate(size); }
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept { return zt::testing::AllocateOrNull(size); }
@@ -71,3 +88,10 @@ void operator delete(void* block, std::size_t /*size*/) noexcept { zt::testing::
 void operator delete[](void* block, std::size_t /*size*/) noexcept { zt::testing::Free(block); }
 void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept { zt::testing::Free(block); }
 void operator delete[](void* block, const std::nothrow_t& /*tag*/) noexcept { zt::testing::Free(block); }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  return zt::testing::AllocateAligned(size, static_cast<std::size_t>(alignment));
+}
+void operator delete(void* block, std::align_val_t /*alignment*/) noexcept { zt::testing::FreeAligned(block); }
+void operator delete(void* block, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+  zt::testing::FreeAligned(block);
+}

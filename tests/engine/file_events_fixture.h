@@ -34,8 +34,8 @@ class FileEventsTest : public EngineTest {
   }
   ZT_FILE_ITEM& File(const std::wstring& path) { return Process().files.at(path); }
   bool IsTracked(const std::wstring& path) { return Process().files.count(path) != 0; }
-  std::vector<std::wstring> Quarantined() { return Paths(Process().QuarantineList); }
-  std::vector<std::wstring> CreatedFiles() { return Paths(Process().CreatedFilesList); }
+  std::vector<std::wstring> Quarantined() { return Process().QuarantineList.Paths(); }
+  std::vector<std::wstring> CreatedFiles() { return Process().CreatedFilesList.Paths(); }
 
   /// A record's state and the names of its flags that are set, e.g. "2 Similar ReadStarted".
   static std::string Summary(const ZT_FILE_ITEM& file) {

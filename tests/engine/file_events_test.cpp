@@ -207,7 +207,7 @@ TEST_F(FileEventsTest, ParentsPassKeepsTheParentsOwnRecordsAndLists) {
   EXPECT_EQ(Summary(L"c:\\a.doc"), "1");
   EXPECT_EQ(Summary(*FileOf(20, L"c:\\a.doc")), "1");
   EXPECT_THAT(Quarantined(), ElementsAre(L"c:\\new.txt"));
-  EXPECT_THAT(Paths(ItemOf(20)->QuarantineList), ElementsAre(L"c:\\new.txt"));
+  EXPECT_THAT(ItemOf(20)->QuarantineList.Paths(), ElementsAre(L"c:\\new.txt"));
 }
 
 // Whole stories.

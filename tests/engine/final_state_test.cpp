@@ -196,7 +196,7 @@ TEST_F(FinalStateTest, QueryChangesNothing) {
   Query();
   Query();
   EXPECT_THAT(paths_, ElementsAre(L"c:\\z", L"c:\\z"));
-  EXPECT_THAT(Paths(ItemOf(kPid)->QuarantineList), ElementsAre(L"c:\\z"));
+  EXPECT_THAT(ItemOf(kPid)->QuarantineList.Paths(), ElementsAre(L"c:\\z"));
   EXPECT_TRUE(FileOf(kPid, L"c:\\a.doc")->Similar);
   EXPECT_EQ(ScoreOf(kPid), 1);
 }

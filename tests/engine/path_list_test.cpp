@@ -14,8 +14,6 @@ namespace {
 using namespace std::string_view_literals;
 using ::testing::ElementsAre;
 
-std::vector<std::wstring> Paths(const ZtPathList& list) { return {list.begin(), list.end()}; }
-
 TEST(PathListTest, NewListIsEmpty) {
   const ZtPathList list;
   EXPECT_TRUE(list.empty());
@@ -28,7 +26,7 @@ TEST(PathListTest, KeepsTheOrderOfInsertion) {
   EXPECT_TRUE(list.Add(L"c"));
   EXPECT_TRUE(list.Add(L"a"));
   EXPECT_TRUE(list.Add(L"b"));
-  EXPECT_THAT(Paths(list), ElementsAre(L"c", L"a", L"b"));
+  EXPECT_THAT(list.Paths(), ElementsAre(L"c", L"a", L"b"));
   EXPECT_EQ(list.size(), 3u);
   EXPECT_FALSE(list.empty());
 }
@@ -38,7 +36,7 @@ TEST(PathListTest, AddingAPresentPathChangesNothing) {
   list.Add(L"a");
   list.Add(L"b");
   EXPECT_FALSE(list.Add(L"a"));
-  EXPECT_THAT(Paths(list), ElementsAre(L"a", L"b"));
+  EXPECT_THAT(list.Paths(), ElementsAre(L"a", L"b"));
 }
 
 TEST(PathListTest, RemovingTheMiddleKeepsTheOrderOfTheOthers) {
@@ -47,7 +45,7 @@ TEST(PathListTest, RemovingTheMiddleKeepsTheOrderOfTheOthers) {
   list.Add(L"b");
   list.Add(L"a");
   EXPECT_TRUE(list.Remove(L"b"));
-  EXPECT_THAT(Paths(list), ElementsAre(L"c", L"a"));
+  EXPECT_THAT(list.Paths(), ElementsAre(L"c", L"a"));
   EXPECT_FALSE(list.Contains(L"b"));
   EXPECT_TRUE(list.Contains(L"c"));
   EXPECT_TRUE(list.Contains(L"a"));
@@ -57,7 +55,7 @@ TEST(PathListTest, RemovingAnAbsentPathChangesNothing) {
   ZtPathList list;
   list.Add(L"a");
   EXPECT_FALSE(list.Remove(L"b"));
-  EXPECT_THAT(Paths(list), ElementsAre(L"a"));
+  EXPECT_THAT(list.Paths(), ElementsAre(L"a"));
 }
 
 TEST(PathListTest, RemovedPathIsAddedAgainAtTheEnd) {
@@ -66,7 +64,7 @@ TEST(PathListTest, RemovedPathIsAddedAgainAtTheEnd) {
   list.Add(L"b");
   list.Remove(L"a");
   EXPECT_TRUE(list.Add(L"a"));
-  EXPECT_THAT(Paths(list), ElementsAre(L"b", L"a"));
+  EXPECT_THAT(list.Paths(), ElementsAre(L"b", L"a"));
 }
 
 TEST(PathListTest, RemovingTheOnlyPathEmptiesTheList) {
@@ -83,9 +81,9 @@ TEST(PathListTest, EmptyPathIsAnEntryLikeAnyOther) {
   EXPECT_FALSE(list.Contains(L""));
   EXPECT_TRUE(list.Add(L""));
   EXPECT_FALSE(list.Add(L""));
-  EXPECT_THAT(Paths(list), ElementsAre(L"a", L""));
+  EXPECT_THAT(list.Paths(), ElementsAre(L"a", L""));
   EXPECT_TRUE(list.Remove(L""));
-  EXPECT_THAT(Paths(list), ElementsAre(L"a"));
+  EXPECT_THAT(list.Paths(), ElementsAre(L"a"));
 }
 
 TEST(PathListTest, ComparesEveryUnitAndTheLength) {
@@ -114,7 +112,7 @@ TEST(PathListTest, MovedListStillFindsAndRemoves) {
   EXPECT_TRUE(list.Contains(L"b"));
   EXPECT_FALSE(list.Add(L"a"));
   EXPECT_TRUE(list.Remove(L"b"));
-  EXPECT_THAT(Paths(list), ElementsAre(L"a"));
+  EXPECT_THAT(list.Paths(), ElementsAre(L"a"));
 }
 
 TEST(PathListTest, AssignmentByMoveReplacesThePaths) {
@@ -123,10 +121,10 @@ TEST(PathListTest, AssignmentByMoveReplacesThePaths) {
   ZtPathList list;
   list.Add(L"a");
   list = std::move(from);
-  EXPECT_THAT(Paths(list), ElementsAre(L"b"));
+  EXPECT_THAT(list.Paths(), ElementsAre(L"b"));
   EXPECT_FALSE(list.Contains(L"a"));
   EXPECT_TRUE(list.Add(L"a"));
-  EXPECT_THAT(Paths(list), ElementsAre(L"b", L"a"));
+  EXPECT_THAT(list.Paths(), ElementsAre(L"b", L"a"));
 }
 
 }  // namespace

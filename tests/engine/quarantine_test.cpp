@@ -15,8 +15,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-std::vector<std::wstring> Paths(const ZtPathList& list) { return {list.begin(), list.end()}; }
-
 class QuarantineTest : public ::testing::Test {
  protected:
   QuarantineTest() { process_.Pid = 42; }
@@ -27,14 +25,14 @@ class QuarantineTest : public ::testing::Test {
 TEST_F(QuarantineTest, AddedPathsStandInOrderOfInsertion) {
   EXPECT_TRUE(AddToQuarantineList(L"c:\\b", process_));
   EXPECT_TRUE(AddToQuarantineList(L"c:\\a", process_));
-  EXPECT_THAT(Paths(process_.QuarantineList), ElementsAre(L"c:\\b", L"c:\\a"));
-  EXPECT_THAT(Paths(process_.CreatedFilesList), IsEmpty());
+  EXPECT_THAT(process_.QuarantineList.Paths(), ElementsAre(L"c:\\b", L"c:\\a"));
+  EXPECT_THAT(process_.CreatedFilesList.Paths(), IsEmpty());
 }
 
 TEST_F(QuarantineTest, AddingAPathTwiceLeavesOneEntry) {
   EXPECT_TRUE(AddToQuarantineList(L"c:\\a", process_));
   EXPECT_FALSE(AddToQuarantineList(L"c:\\a", process_));
-  EXPECT_THAT(Paths(process_.QuarantineList), ElementsAre(L"c:\\a"));
+  EXPECT_THAT(process_.QuarantineList.Paths(), ElementsAre(L"c:\\a"));
 }
 
 TEST_F(QuarantineTest, RemovingTheMiddleOfThreeKeepsTheOrderOfTheOthers) {
@@ -42,13 +40,13 @@ TEST_F(QuarantineTest, RemovingTheMiddleOfThreeKeepsTheOrderOfTheOthers) {
   AddToQuarantineList(L"c:\\2", process_);
   AddToQuarantineList(L"c:\\1", process_);
   EXPECT_TRUE(RemoveFromQuarantineList(L"c:\\2", process_));
-  EXPECT_THAT(Paths(process_.QuarantineList), ElementsAre(L"c:\\3", L"c:\\1"));
+  EXPECT_THAT(process_.QuarantineList.Paths(), ElementsAre(L"c:\\3", L"c:\\1"));
 }
 
 TEST_F(QuarantineTest, RemovingAnAbsentPathLeavesTheListUnchanged) {
   AddToQuarantineList(L"c:\\a", process_);
   EXPECT_FALSE(RemoveFromQuarantineList(L"c:\\b", process_));
-  EXPECT_THAT(Paths(process_.QuarantineList), ElementsAre(L"c:\\a"));
+  EXPECT_THAT(process_.QuarantineList.Paths(), ElementsAre(L"c:\\a"));
 }
 
 TEST_F(QuarantineTest, EmptyPathEqualsOnlyAnotherEmptyPath) {
@@ -57,7 +55,7 @@ TEST_F(QuarantineTest, EmptyPathEqualsOnlyAnotherEmptyPath) {
   EXPECT_FALSE(AddToQuarantineList(L"", process_));
   EXPECT_TRUE(RemoveFromQuarantineList(L"", process_));
   EXPECT_FALSE(RemoveFromQuarantineList(L"", process_));
-  EXPECT_THAT(Paths(process_.QuarantineList), ElementsAre(L"c:\\a"));
+  EXPECT_THAT(process_.QuarantineList.Paths(), ElementsAre(L"c:\\a"));
 }
 
 TEST_F(QuarantineTest, LettersOfDifferentCaseDiffer) {
@@ -71,8 +69,8 @@ TEST_F(QuarantineTest, CreatedFilesStandInOrderOfInsertionWithoutDuplicates) {
   AddToCreatedFilesList(L"c:\\b", process_);
   AddToCreatedFilesList(L"c:\\a", process_);
   AddToCreatedFilesList(L"c:\\b", process_);
-  EXPECT_THAT(Paths(process_.CreatedFilesList), ElementsAre(L"c:\\b", L"c:\\a"));
-  EXPECT_THAT(Paths(process_.QuarantineList), IsEmpty());
+  EXPECT_THAT(process_.CreatedFilesList.Paths(), ElementsAre(L"c:\\b", L"c:\\a"));
+  EXPECT_THAT(process_.QuarantineList.Paths(), IsEmpty());
 }
 
 TEST_F(QuarantineTest, AddingIsTraced) {

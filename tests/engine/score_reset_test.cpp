@@ -222,8 +222,8 @@ TEST_F(ScoreResetTest, ListsOfTheProcessStay) {
   StartProcess(10);
   Insert(CreateFresh(10, L"c:\\new"));
   Collect();
-  EXPECT_THAT(Paths(ItemOf(10)->QuarantineList), ElementsAre(L"c:\\new"));
-  EXPECT_THAT(Paths(ItemOf(10)->CreatedFilesList), ElementsAre(L"c:\\new"));
+  EXPECT_THAT(ItemOf(10)->QuarantineList.Paths(), ElementsAre(L"c:\\new"));
+  EXPECT_THAT(ItemOf(10)->CreatedFilesList.Paths(), ElementsAre(L"c:\\new"));
 }
 
 TEST_F(ScoreResetTest, ErasedFilesAreTracedInMapOrder) {

@@ -63,7 +63,7 @@ TEST_F(SimilarFileTest, OtherMembersOfTheProcessAndTheFilesStay) {
   EXPECT_EQ(process_.files.size(), 1u);
   EXPECT_EQ(process_.files.at(L"c:\\d\\a.docx").State, 0u);
   EXPECT_FALSE(process_.files.at(L"c:\\d\\a.docx").Similar);
-  EXPECT_THAT(Paths(process_.QuarantineList), IsEmpty());
+  EXPECT_THAT(process_.QuarantineList.Paths(), IsEmpty());
 }
 
 TEST_F(SimilarFileTest, ResultIsAPositionInTheFilesGiven) {
@@ -75,9 +75,12 @@ TEST_F(SimilarFileTest, ResultIsAPositionInTheFilesGiven) {
 
 TEST_F(SimilarFileTest, SearchInsideTheEngineIsTheExportedOne) {
   AddFiles({L"c:\\d\\a.docx"});
-  EXPECT_EQ(SearchSimilarFile(process_, process_.files, L"c:\\d\\x_a.docx"), process_.files.end());
+  const auto search = [this] {
+    return SearchSimilarFile(process_.NameDiff, process_.files, &process_.FileIndex, L"c:\\d\\x_a.docx");
+  };
+  EXPECT_EQ(search(), process_.files.end());
   EXPECT_EQ(Learned(), L"x_");
-  EXPECT_EQ(SearchSimilarFile(process_, process_.files, L"c:\\d\\x_a.docx"), process_.files.begin());
+  EXPECT_EQ(search(), process_.files.begin());
 }
 
 // The whole path contained.

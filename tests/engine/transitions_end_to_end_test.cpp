@@ -89,7 +89,7 @@ TEST_F(StateMachineTest, MappingARenamedFilePenalisesByTwoAndQuarantinesIt) {
   EXPECT_EQ(Insert(SectionSync(10, kDoc)), 2);
   EXPECT_EQ(StateOf(kDoc), ZT_RENAME_SECTION_SYNC);
   EXPECT_TRUE(FileOf(10, kDoc)->Written && FileOf(10, kDoc)->Similar);
-  EXPECT_THAT(Paths(ItemOf(10)->QuarantineList), ElementsAre(kDoc));
+  EXPECT_THAT(ItemOf(10)->QuarantineList.Paths(), ElementsAre(kDoc));
 }
 
 TEST_F(StateMachineTest, ACopyByRenameIsMarkedRenamedForALaterMapping) {

@@ -103,15 +103,23 @@ bool SameLines(const std::vector<TraceLine>& engine, const std::vector<ModelLine
   });
 }
 
-class SearchSideBySideTest : public ::testing::TestWithParam<std::uint32_t> {
+/// How the engine searches.
+struct Way {
+  std::uint32_t block = 0;  ///< Which folders.
+  bool indexed = false;     ///< With the index of a process's files, as for an event, or by the map alone, as for the export.
+};
+
+class SearchSideBySideTest : public ::testing::TestWithParam<Way> {
  protected:
   /// Searches one random folder; `capture` catches the engine's lines, or is null.
   void SearchFolder(std::uint32_t seed, TraceCapture* capture) {
     Names names(seed);
     ZT_PID_ITEM process;
+    ZtFileIndex* const index = GetParam().indexed ? &process.FileIndex : nullptr;
     FileMap files;
     std::vector<std::wstring> keys;
-    for (std::size_t count = names.Below(40); count > 0; --count) {
+    // One in eight has so many that the index has inner nodes.
+    for (std::size_t count = names.Below(names.Below(8) == 0 ? 200 : 40); count > 0; --count) {
       keys.push_back(names.Path(6));
       process.files.try_emplace(keys.back());
       files.try_emplace(keys.back());
@@ -120,7 +128,7 @@ class SearchSideBySideTest : public ::testing::TestWithParam<std::uint32_t> {
     ModelTrace trace(capture == nullptr ? 0 : kTraceDebug);
     for (std::size_t search = 0; search < kSearchesOfAFolder; ++search) {
       const std::wstring target = names.Target(keys);
-      const auto found = zt::SearchSimilarFile(process, process.files, target);
+      const auto found = zt::SearchSimilarFile(process.NameDiff, process.files, index, target);
       const auto expected = SearchSimilarFile(name_diff, files, target, trace);
       const Outcome engine = {found != process.files.end(), found == process.files.end() ? L"" : found->first,
                               process.NameDiff};
@@ -136,19 +144,29 @@ class SearchSideBySideTest : public ::testing::TestWithParam<std::uint32_t> {
 
 TEST_P(SearchSideBySideTest, LookingUpAndWalkingFindTheSame) {
   for (std::uint32_t folder = 0; folder < kFoldersOfABlock && !HasFatalFailure(); ++folder) {
-    SearchFolder(GetParam() * 1000000 + folder, nullptr);
+    SearchFolder(GetParam().block * 1000000 + folder, nullptr);
   }
 }
 
 TEST_P(SearchSideBySideTest, LookingUpAndWalkingTraceTheSame) {
   TraceCapture capture(kTraceDebug);
   for (std::uint32_t folder = 0; folder < kFoldersOfABlock / 20 && !HasFatalFailure(); ++folder) {
-    SearchFolder(GetParam() * 1000000 + 500000 + folder, &capture);
+    SearchFolder(GetParam().block * 1000000 + 500000 + folder, &capture);
   }
 }
 
+/// `count` ways from `first` on.
+std::vector<Way> Blocks(std::uint32_t first, std::uint32_t count, bool indexed) {
+  std::vector<Way> ways;
+  for (std::uint32_t block = first; block < first + count; ++block) {
+    ways.push_back({block, indexed});
+  }
+  return ways;
+}
+
 // Eight blocks of 5,000 folders with 25 searches each are the million.
-INSTANTIATE_TEST_SUITE_P(Blocks, SearchSideBySideTest, ::testing::Range(0U, 8U));
+INSTANTIATE_TEST_SUITE_P(Indexed, SearchSideBySideTest, ::testing::ValuesIn(Blocks(0, 8, true)));
+INSTANTIATE_TEST_SUITE_P(MapAlone, SearchSideBySideTest, ::testing::ValuesIn(Blocks(8, 2, false)));
 
 }  // namespace
 }  // namespace zt::model

@@ -88,8 +88,6 @@ class EngineTest : public ::testing::Test {
     const ZT_PID_ITEM* item = ItemOf(pid);
     return item == nullptr ? -1 : item->Score;
   }
-  /// The paths of a list, in its order.
-  static std::vector<std::wstring> Paths(const ZtPathList& list) { return {list.begin(), list.end()}; }
 
   static void* Handle(std::uint64_t pid) { return HandleFromPid(pid); }
 

@@ -28,7 +28,7 @@ inline void DumpKey(std::ostream& out, const ZtProcKey& key) { out << "(" << key
 
 inline void DumpPaths(std::ostream& out, const char* name, const ZtPathList& paths) {
   out << "    " << name << ":";
-  for (const std::wstring& path : paths) {
+  for (const std::wstring& path : paths.Paths()) {
     out << " [" << Narrow(path) << "]";
   }
   out << "\n";
