@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <span>
 
 #include "engine/paths.h"
 
@@ -41,8 +42,8 @@ class FileOrder::StartUnits {
   }
 
   [[nodiscard]] bool MayHold(wchar_t unit) const {
-    const auto last = units_.begin() + static_cast<std::ptrdiff_t>(count_);
-    return many_ || std::find(units_.begin(), last, unit) != last;
+    const auto units = std::span(units_).first(count_);
+    return many_ || std::find(units.begin(), units.end(), unit) != units.end();
   }
 
  private:

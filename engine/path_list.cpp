@@ -22,7 +22,7 @@ bool ZtPathList::Remove(std::wstring_view path) noexcept {
   if (found == nullptr) {
     return false;
   }
-  const Element element = *found;
+  const auto element = *found;
   index_.Erase(path, [element](Element other) { return other == element; });
   order_.erase(element);
   return true;
