@@ -9,8 +9,15 @@ const char* const kEmptyFile = "NUL";
 std::string Quoted(const std::string& text) { return '"' + text + '"'; }
 
 int RunCommandLine(const std::string& command) {
+  constexpr int kNotStarted = -1;  // No program here ends with it.
+  constexpr int kTries = 5;
   // The command processor takes one pair of quotation marks off the whole.
-  return std::system(Quoted(command).c_str());
+  int status = std::system(Quoted(command).c_str());
+  // Under Wine, on a busy machine, the command processor once in a while does not start. Nothing has happened then.
+  for (int tries = 1; status == kNotStarted && tries < kTries; ++tries) {
+    status = std::system(Quoted(command).c_str());
+  }
+  return status;
 }
 
 }  // namespace replay::testing
