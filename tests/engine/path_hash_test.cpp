@@ -42,6 +42,24 @@ TEST(PathHashTest, TagsAreNeverZeroAndDependOnEveryUnit) {
   EXPECT_GE(tags.size(), 2 * path.size()) << "of " << 2 * path.size() + 1 << " different paths at most one may meet another";
 }
 
+// Changes of three units that cancel each other out where words of four are mixed in by a rotation and a multiplication,
+// whatever the secret.
+TEST(PathHashTest, ChangesInNeighbouringWordsDoNotCancelEachOther) {
+  std::set<std::uint32_t> tags;
+  for (std::size_t choice = 0; choice < 256; ++choice) {
+    std::wstring path(64, L'a');
+    for (std::size_t block = 0; block < 8; ++block) {
+      if ((choice >> block & 1) != 0) {
+        path[block * 8 + 2] ^= 4;
+        path[block * 8 + 5] ^= 0x8000;
+        path[block * 8 + 7] ^= 0x8000;
+      }
+    }
+    tags.insert(ZtPathTag(path));
+  }
+  EXPECT_GE(tags.size(), 255u) << "of 256 paths";
+}
+
 // So many pass full buckets that every way of a search and a removal is taken.
 TEST(PathHashTest, AgreesWithASetOverRandomChanges) {
   std::set<std::wstring> paths;
