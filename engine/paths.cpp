@@ -1,7 +1,6 @@
 #include "engine/paths.h"
 
 #include <algorithm>
-#include <cwctype>
 
 namespace zt {
 
@@ -50,13 +49,7 @@ std::size_t CommonPrefix(std::wstring_view a, std::wstring_view b) {
 
 namespace {
 
-// Paths are mostly ASCII, for which the answer is known without a call.
-wchar_t ToLower(wchar_t unit) {
-  if (unit < 0x80) {
-    return unit >= L'A' && unit <= L'Z' ? static_cast<wchar_t>(unit + (L'a' - L'A')) : unit;
-  }
-  return static_cast<wchar_t>(std::towlower(static_cast<std::wint_t>(unit)));
-}
+wchar_t ToLower(wchar_t unit) { return unit >= L'A' && unit <= L'Z' ? static_cast<wchar_t>(unit + (L'a' - L'A')) : unit; }
 
 }  // namespace
 

@@ -28,7 +28,7 @@ std::wstring_view FileNamePart(std::wstring_view path);
 std::wstring_view UpToZero(std::wstring_view text);
 /// The number of units that both texts begin with.
 std::size_t CommonPrefix(std::wstring_view a, std::wstring_view b);
-/// Each unit by itself: A to Z, and others by towlower, which leaves them as they are in the locale that processes start in.
+/// Each of A to Z by itself, and nothing else: the keys of records must not change with the locale that the host sets.
 std::wstring ToLower(std::wstring_view text);
 
 }  // namespace zt

@@ -2,8 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
 #include <string>
 #include <string_view>
+
+#include "tests/support/locale_guard.h"
 
 namespace zt::testing {
 namespace {
@@ -169,7 +172,15 @@ TEST(PathsTest, LowerCasingChangesTheLettersAToZ) {
   EXPECT_EQ(ToLower(L""), L"");
 }
 
-// The process starts in the "C" locale, and nothing here leaves it.
+TEST(PathsTest, LowerCasingIsTheSameInEveryLocale) {
+  const LocaleGuard locale;
+  if (!locale.KnowsUmlauts()) {
+    GTEST_SKIP() << "no locale of this system changes letters beyond A to Z";
+  }
+  const std::wstring text = L"C:\\\u00C4RZTE\\\u0410";
+  EXPECT_EQ(ToLower(text), L"c:\\\u00C4rzte\\\u0410");
+}
+
 TEST(PathsTest, LowerCasingLeavesLettersOutsideAToZAndSurrogatesAlone) {
   const std::wstring text = L"\u00C4\u00DC\u0410\u0130\u212A\xD801\xDC00";
   EXPECT_EQ(ToLower(text), text);
