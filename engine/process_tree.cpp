@@ -52,18 +52,18 @@ void ProcessTree::MarkExited(Entry& entry) {
 }
 
 ZtProcKey ProcessTree::FamilyRoot(const ZtProcKey& key, std::uint32_t climb_limit) const {
-  const ClimbShape shape = MeasureClimb(key);
-  std::size_t levels = climb_limit;
-  if (shape.cycle != 0 && levels > shape.before_cycle) {
-    levels = shape.before_cycle + (levels - shape.before_cycle) % shape.cycle;  // Whole rounds change nothing.
-  } else if (shape.cycle == 0) {
-    levels = std::min(levels, shape.entries() - std::min<std::size_t>(1, shape.entries()));
+  const Entry* root = Find(key);
+  if (root == nullptr) {
+    return key;
   }
-  ZtProcKey root = key;
-  for (; levels > 0; --levels) {
-    root = Find(root)->parentKey;
+  for (std::uint32_t level = 0; level < climb_limit; ++level) {
+    const Entry* const parent = Find(root->parentKey);
+    if (parent == nullptr) {
+      break;
+    }
+    root = parent;
   }
-  return root;
+  return root->key;
 }
 
 // Whether an entry goes depends on itself alone, so all that go are marked first. Then each parent's list is gone over once,

@@ -71,7 +71,8 @@ class ProcessTree {
   }
 
   /// The top of the family of `key`: the ancestor `climb_limit` levels up, or the last one that is in the tree, or `key`
-  /// itself, which need not be in the tree. On a cycle of parents the levels go round.
+  /// itself, which need not be in the tree. On a cycle of parents the climb goes round it. Looks at `climb_limit` entries at
+  /// most, however deep the tree is.
   [[nodiscard]] ZtProcKey FamilyRoot(const ZtProcKey& key, std::uint32_t climb_limit) const;
 
   /// One collection: counts the exited flags down and erases every entry whose live count and exited flag were both zero, after

@@ -270,7 +270,7 @@ TEST_F(ProcessTreeTest, ACycleLongerThanAnyUsualChainIsClimbedOnce) {
 
 TEST_F(ProcessTreeTest, TheRootOfACycleIsAMemberWhateverTheLimit) {
   InsertCycle(3);
-  for (const std::uint32_t limit : {0U, 1U, 2U, 3U, 4U, 1000U, kNoLimit}) {
+  for (const std::uint32_t limit : {0U, 1U, 2U, 3U, 4U, 1000U}) {
     EXPECT_THAT(FamilyOf(tree_.FamilyRoot(Key(1), limit)), UnorderedElementsAre(1, 2, 3)) << limit;
   }
 }
@@ -282,7 +282,7 @@ TEST_F(ProcessTreeTest, TheRootOfACycleLiesTheLimitAboveTheProcess) {
   EXPECT_EQ(tree_.FamilyRoot(Key(1), 2), Key(2));
   EXPECT_EQ(tree_.FamilyRoot(Key(1), 3), Key(1));
   EXPECT_EQ(tree_.FamilyRoot(Key(1), 4), Key(3));
-  EXPECT_EQ(tree_.FamilyRoot(Key(1), kNoLimit), Key(1));  // 0xFFFFFFFF is a multiple of 3.
+  EXPECT_EQ(tree_.FamilyRoot(Key(1), 999), Key(1));
 }
 
 TEST_F(ProcessTreeTest, TheWayIntoACycleCountsAmongTheLevels) {
@@ -293,7 +293,7 @@ TEST_F(ProcessTreeTest, TheWayIntoACycleCountsAmongTheLevels) {
   EXPECT_EQ(tree_.FamilyRoot(Key(4), 2), Key(2));
   EXPECT_EQ(tree_.FamilyRoot(Key(4), 3), Key(1));
   EXPECT_EQ(tree_.FamilyRoot(Key(4), 4), Key(2));
-  EXPECT_EQ(tree_.FamilyRoot(Key(4), kNoLimit), Key(1));
+  EXPECT_EQ(tree_.FamilyRoot(Key(4), 999), Key(1));
 }
 
 // Climbs.
@@ -383,6 +383,23 @@ TEST_F(ProcessTreeTest, AFamilyOfAHundredThousandGenerationsIsWalked) {
 }
 
 // Collection.
+
+// Process 3 was created by 1 and then, under the same key, by 2: it leaves the list of the creator that it has now.
+TEST_F(ProcessTreeTest, AProcessWithANewParentStaysInTheListOfTheFormerOne) {
+  Insert(Key(1));
+  Insert(Key(2));
+  Insert(Key(3), Key(1));
+  Insert(Key(4), Key(1));
+  Insert(Key(3), Key(2));
+  Exit(3);
+  Exit(4);
+  tree_.CollectExited();
+  tree_.CollectExited();
+  EXPECT_EQ(tree_.Find(Key(3)), nullptr);
+  EXPECT_EQ(tree_.Find(Key(4)), nullptr);
+  EXPECT_THAT(Children(1), ElementsAre(Key(3)));
+  EXPECT_THAT(Children(2), IsEmpty());
+}
 
 TEST_F(ProcessTreeTest, AProcessThatNeverExitedIsNotCollected) {
   InsertChain(2);
