@@ -2,15 +2,16 @@
 
 #include <iterator>
 #include <string_view>
-#include <unordered_set>
+#include <set>
 
 #include "engine/tracing.h"
 
 namespace zt {
 namespace {
 
-/// Paths that are not reported again: views of texts that do not change under the lock.
-using PathSet = std::unordered_set<std::u16string_view>;
+/// Paths that are not reported again: views of texts that do not change under the lock. Ordered, as a watched program chooses
+/// the paths: it could choose them so that the hashes of a hash set meet.
+using PathSet = std::set<std::u16string_view>;
 
 /// The images of the suspicious members of the family of `key`: a malicious program is never handed back for restoring.
 std::vector<ZtText> SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key) {
