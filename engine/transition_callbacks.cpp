@@ -15,13 +15,10 @@ constexpr std::uint64_t kNoPenalty = 0;
 constexpr std::uint64_t kReplaced = 2;
 constexpr std::uint64_t kOriginalGone = 6;
 
-void TraceCallback([[maybe_unused]] const char* name) { ZT_TRACE_DEBUG("Callback: %s", name); }
-void TraceLabel([[maybe_unused]] const char* label) { ZT_TRACE_DEBUG("%s", label); }
-
 }  // namespace
 
 std::uint64_t UnknownCreate(TransitionContext* context) {
-  TraceCallback("UnknownCreate");
+  ZT_TRACE_DEBUG("Callback: UnknownCreate");
   ZT_FILE_ITEM& item = *context->Item;
   const LOG_ITEM& log = *context->Log;
   if (log.TargetPid == 0) {
@@ -33,35 +30,35 @@ std::uint64_t UnknownCreate(TransitionContext* context) {
   item.Context = log.Context;
   item.CreateInfo = static_cast<std::uint32_t>(log.TargetPid);
   item.Created = item.Created || log.Behavior == BehaviorCreateNew;
-  TraceLabel("ZT_OPEN_EXISTING");
+  ZT_TRACE_DEBUG("ZT_OPEN_EXISTING");
   return kNoPenalty;
 }
 
 std::uint64_t DeletedCreate(TransitionContext* context) {
-  TraceCallback("DeletedCreate");
+  ZT_TRACE_DEBUG("Callback: DeletedCreate");
   if (context->Log->TargetPid != 0) {
     return kNoPenalty;
   }
   context->Item->State = ZT_READ_START;
-  TraceLabel("ZT_READ_START: Found creating already deleted file with identical name");
+  ZT_TRACE_DEBUG("ZT_READ_START: Found creating already deleted file with identical name");
   return kNoPenalty;
 }
 
 std::uint64_t OpenExistingRead(TransitionContext* context) {
-  TraceCallback("OpenExistingRead");
+  ZT_TRACE_DEBUG("Callback: OpenExistingRead");
   ZT_FILE_ITEM& item = *context->Item;
   item.State = ZT_READ_START;
   item.ReadInfo = context->ReadInfo;
   item.ReadStarted = true;
-  TraceLabel("ZT_READ_START");
+  ZT_TRACE_DEBUG("ZT_READ_START");
   return kNoPenalty;
 }
 
 std::uint64_t OpenReadSync(TransitionContext* context) {
-  TraceCallback("OpenReadSync");
+  ZT_TRACE_DEBUG("Callback: OpenReadSync");
   ZT_FILE_ITEM& item = *context->Item;
   item.State = ZT_SECTION_SYNC;
-  TraceLabel("LB_PreSectionSync ZT_READ_START");
+  ZT_TRACE_DEBUG("LB_PreSectionSync ZT_READ_START");
   if (!item.Renamed) {
     return kNoPenalty;
   }
@@ -69,87 +66,87 @@ std::uint64_t OpenReadSync(TransitionContext* context) {
   item.Written = true;
   item.Similar = true;
   context->SectionRenamed = 1;
-  TraceLabel("ZT_RENAME_SECTION_SYNC");
+  ZT_TRACE_DEBUG("ZT_RENAME_SECTION_SYNC");
   return kReplaced;
 }
 
 std::uint64_t ReadWrite(TransitionContext* context) {
-  TraceCallback("ReadWrite");
+  ZT_TRACE_DEBUG("Callback: ReadWrite");
   if (context->SimilarFound) {
     return kNoPenalty;
   }
   context->Item->State = ZT_OVERWRITE;
   context->Item->Written = true;
-  TraceLabel("ZT_OVERWRITE");
+  ZT_TRACE_DEBUG("ZT_OVERWRITE");
   return kReplaced;
 }
 
 std::uint64_t DeleteWrite(TransitionContext* context) {
-  TraceCallback("DeleteWrite");
+  ZT_TRACE_DEBUG("Callback: DeleteWrite");
   if (!context->SimilarFound) {
     return kNoPenalty;
   }
   context->Item->Written = true;
   context->Item->Similar = true;
   context->Item->State = ZT_WRITTEN_DELETE;
-  TraceLabel("ZT_DELETE_ORG + ZT_WRITE_SIMILAR");
+  ZT_TRACE_DEBUG("ZT_DELETE_ORG + ZT_WRITE_SIMILAR");
   return kOriginalGone;
 }
 
 std::uint64_t SyncWrite(TransitionContext* context) {
-  TraceCallback("SyncWrite");
+  ZT_TRACE_DEBUG("Callback: SyncWrite");
   if (!context->SimilarFound) {
     return kNoPenalty;
   }
   context->Item->State = ZT_OVERWRITE;
   context->Item->Written = true;
   context->Item->Similar = true;
-  TraceLabel("ZT_SECTION_SYNC + ZT_WRITE_SIMILAR");
+  ZT_TRACE_DEBUG("ZT_SECTION_SYNC + ZT_WRITE_SIMILAR");
   return kReplaced;
 }
 
 std::uint64_t WriteSimilarDelete(TransitionContext* context) {
-  TraceCallback("WriteSimilarDelete");
+  ZT_TRACE_DEBUG("Callback: WriteSimilarDelete");
   context->Item->Written = true;
   context->Item->State = ZT_WRITTEN_DELETE;
-  TraceLabel("ZT_WRITTEN_DELETE");
+  ZT_TRACE_DEBUG("ZT_WRITTEN_DELETE");
   return kOriginalGone;
 }
 
 // Reports nothing: a deleted original counts only when a similar copy is written then, or its name is renamed onto.
 std::uint64_t ReadDelete(TransitionContext* context) {
-  TraceCallback("ReadDelete");
+  ZT_TRACE_DEBUG("Callback: ReadDelete");
   context->Item->State = ZT_DELETE_ORG;
-  TraceLabel("ZT_DELETE_ORG");
+  ZT_TRACE_DEBUG("ZT_DELETE_ORG");
   return kNoPenalty;
 }
 
 std::uint64_t DeleteOrgRename(TransitionContext* context) {
-  TraceCallback("DeleteOrgRename");
+  ZT_TRACE_DEBUG("Callback: DeleteOrgRename");
   if (!context->SimilarFound) {
     return kNoPenalty;
   }
   context->Item->Written = true;
   context->Item->Similar = true;
   context->Item->State = ZT_WRITTEN_DELETE;
-  TraceLabel("ZT_DELETE_ORG + Renamed + ZT_WRITE_SIMILAR");
+  ZT_TRACE_DEBUG("ZT_DELETE_ORG + Renamed + ZT_WRITE_SIMILAR");
   return kOriginalGone;
 }
 
 std::uint64_t SyncRename(TransitionContext* context) {
-  TraceCallback("SyncRename");
+  ZT_TRACE_DEBUG("Callback: SyncRename");
   if (context->SimilarFound) {
     return kNoPenalty;
   }
   context->Item->State = ZT_RENAME_SECTION_SYNC;
   context->Item->Written = true;
-  TraceLabel("ZT_RENAME_SECTION_SYNC");
+  ZT_TRACE_DEBUG("ZT_RENAME_SECTION_SYNC");
   return kReplaced;
 }
 
 // The first move of a process's similar files into another folder arms the rule, the second into the same folder fires it.
 std::uint64_t WriteSimilarRename(TransitionContext* context) {
-  TraceCallback("WriteSimilarRename");
+  ZT_TRACE_DEBUG("Callback: WriteSimilarRename");
   ZT_FILE_ITEM& item = *context->Item;
   if (!item.ReadStarted || !item.SimilarMark) {
     return kNoPenalty;
@@ -171,7 +168,7 @@ std::uint64_t WriteSimilarRename(TransitionContext* context) {
     return kNoPenalty;
   }
   item.State = ZT_WRITE_SIMILAR_SYNC;
-  TraceLabel("Same folder as previous, ZT_WRITE_SIMILAR_SYNC");
+  ZT_TRACE_DEBUG("Same folder as previous, ZT_WRITE_SIMILAR_SYNC");
   return kReplaced;
 }
 

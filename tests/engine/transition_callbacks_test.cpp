@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <ostream>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -369,6 +370,40 @@ TEST(CallbackTraceTest, WithoutTheDebugBitNothingIsWritten) {
   context.Item = &file;
   EXPECT_EQ(ReadWrite(&context), 2U);
   EXPECT_THAT(trace.Take(), IsEmpty());
+}
+
+// Whoever looks a line of the trace up in the code finds the statement that wrote it.
+TEST(CallbackTraceTest, EveryLineCarriesItsOwnStatementsNumber) {
+  const std::wstring path = L"C:\\a.doc";
+  const LOG_ITEM open = Open(1, path);
+  const LOG_ITEM fresh = CreateFresh(1, path);
+  std::set<std::int32_t> numbers;
+  std::size_t lines = 0;
+  for (const TransitionCallback callback :
+       {UnknownCreate, DeletedCreate, OpenExistingRead, OpenReadSync, ReadWrite, DeleteWrite, SyncWrite, WriteSimilarDelete,
+        ReadDelete, DeleteOrgRename, SyncRename, WriteSimilarRename}) {
+    ZT_FILE_ITEM file;
+    file.Renamed = file.ReadStarted = file.SimilarMark = true;
+    std::wstring folder = L"d:\\out";
+    TransitionContext context;
+    context.Item = &file;
+    context.FilePath = &path;
+    context.Log = callback == DeletedCreate ? &fresh : &open;
+    context.SimilarFound = callback == DeleteWrite || callback == SyncWrite || callback == DeleteOrgRename;
+    context.PrevFolder = &folder;
+    context.SourcePath = L"c:\\a.doc";
+    context.DestPath = L"d:\\out\\a.doc";
+    TraceCapture trace(0x2);
+    trace.Take();
+    callback(&context);
+    for (const TraceLine& line : trace.Take()) {
+      numbers.insert(line.line);
+      ++lines;
+    }
+  }
+  // Two lines each; OpenReadSync and WriteSimilarRename have three.
+  EXPECT_EQ(lines, 26U);
+  EXPECT_EQ(numbers.size(), lines);
 }
 
 }  // namespace
