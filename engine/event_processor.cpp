@@ -18,8 +18,6 @@ constexpr char kSeparatorLine[] =
     "=====================================================";
 static_assert(sizeof(kSeparatorLine) - 1 == 106);
 
-void TraceSeparator() { ZT_TRACE_DEBUG("%s", kSeparatorLine); }
-
 void TraceRecord(const Event& event, bool first_pass) {
   if (!IsTraced(kTraceDebug)) {
     return;
@@ -42,7 +40,7 @@ void ScoreProcessLine(_ZtEngineCore& engine, const Event& event, ProcessTree::En
 }
 
 /// The processing of an event that has a target.
-std::uint32_t ProcessTarget(_ZtEngineCore& engine, const Event& event, const ZtProcKey& key, const ZT_FILE_ITEM*& stepped) {
+std::uint32_t ProcessTarget(_ZtEngineCore& engine, const Event& event, const ZtProcKey& key, StepOutcome& outcome) {
   if (event.log.Behavior == BehaviorProcessCreate) {
     HandleProcessCreate(engine, event, key);
   }
@@ -52,16 +50,16 @@ std::uint32_t ProcessTarget(_ZtEngineCore& engine, const Event& event, const ZtP
     return 1;
   }
   ScoreProcessLine(engine, event, *process);
-  return HandleFileEvent(engine, event, *process, stepped);
+  return HandleFileEvent(engine, event, *process, outcome);
 }
 
 }  // namespace
 
 Event::Event(const LOG_ITEM& record) : log(record), target(WidenTarget(record)), lower_target(ToLower(target)) {}
 
-std::uint32_t ZtProcessLogItem(_ZtEngineCore& engine, const Event& event, const ZtProcKey& key, const ZT_FILE_ITEM*& stepped,
+std::uint32_t ZtProcessLogItem(_ZtEngineCore& engine, const Event& event, const ZtProcKey& key, StepOutcome& outcome,
                                bool first_pass) {
-  TraceSeparator();
+  ZT_TRACE_DEBUG("%s", kSeparatorLine);
   TraceRecord(event, first_pass);
   std::uint32_t result = 1;
   if (event.target.empty()) {
@@ -70,9 +68,9 @@ std::uint32_t ZtProcessLogItem(_ZtEngineCore& engine, const Event& event, const 
       HandleProcessExit(engine, key);
     }
   } else {
-    result = ProcessTarget(engine, event, key, stepped);
+    result = ProcessTarget(engine, event, key, outcome);
   }
-  TraceSeparator();
+  ZT_TRACE_DEBUG("%s", kSeparatorLine);
   return result;
 }
 

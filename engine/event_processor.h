@@ -7,6 +7,7 @@
 #include <string>
 
 #include "engine/context.h"
+#include "engine/step_outcome.h"
 
 namespace zt {
 
@@ -23,12 +24,11 @@ struct Event {
 /// Attributes `event` to the process `key`: keeps the tree, scores the line and steps file state machines. Returns the penalty
 /// of the callback that ran last, else 1.
 ///
-/// @param stepped     receives the file that stepped last, when a callback ran; else left as it is. Valid while the lock is
-/// held
+/// @param outcome     receives the steps that callbacks made
 /// @param first_pass  whether this is the acting process and not its parent; only the trace tells them apart
 ///
 /// REQUIRES: the engine's lock is held. Throws std::bad_alloc with the tables consistent.
-std::uint32_t ZtProcessLogItem(_ZtEngineCore& engine, const Event& event, const ZtProcKey& key, const ZT_FILE_ITEM*& stepped,
+std::uint32_t ZtProcessLogItem(_ZtEngineCore& engine, const Event& event, const ZtProcKey& key, StepOutcome& outcome,
                                bool first_pass);
 
 }  // namespace zt

@@ -19,12 +19,12 @@ constexpr wchar_t kPartSeparator = L'|';
 /// One file event on its way through one process.
 class FileEvent {
  public:
-  FileEvent(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process, const ZT_FILE_ITEM*& stepped)
+  FileEvent(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process, StepOutcome& outcome)
       : engine_(engine),
         event_(event),
         process_(process),
         item_(process.Item),
-        stepped_(stepped),
+        outcome_(outcome),
         event_path_(event.lower_target) {
     context_.FilePath = &event.lower_target;
   }
@@ -66,7 +66,7 @@ class FileEvent {
   const Event& event_;
   ProcessTree::Entry& process_;
   ZT_PID_ITEM& item_;
-  const ZT_FILE_ITEM*& stepped_;
+  StepOutcome& outcome_;
   TransitionContext context_;
   std::wstring_view event_path_;  ///< What an observer is told: the path part of a write, the destination of a rename.
   std::optional<std::wstring> written_path_;  ///< The path part of a write to a tracked file: what is quarantined then.
@@ -287,6 +287,7 @@ ZT_FILE_ITEM* FileEvent::Find(const std::wstring& path) {
 ZT_FILE_ITEM& FileEvent::Add(const std::wstring& path) { return item_.FileIndex.FindOrAdd(item_.files, path).first->second; }
 
 ZtFileMap::iterator FileEvent::FindSimilar(const std::wstring& path) {
+  outcome_.BeforeSearch(item_);
   const auto found = SearchSimilarFile(item_.NameDiff, item_.files, &item_.FileIndex, path);
   if (found != item_.files.end() && engine_.Observer != nullptr) {
     engine_.Observer->OnSimilarFile(process_.key, path, found->first);
@@ -313,9 +314,10 @@ void FileEvent::Step() {
   if (callback == nullptr) {
     return;
   }
+  outcome_.BeforeCallback(*context_.Item, context_.PrevState);
   const std::uint64_t penalty = callback(&context_);
+  outcome_.AfterCallback(penalty);
   result_ = static_cast<std::uint32_t>(penalty);
-  stepped_ = context_.Item;
   if (engine_.Observer != nullptr) {
     const std::wstring file_path = context_.Item->Path.Wide();
     engine_.Observer->OnStep(
@@ -325,9 +327,8 @@ void FileEvent::Step() {
 
 }  // namespace
 
-std::uint32_t HandleFileEvent(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process,
-                              const ZT_FILE_ITEM*& stepped) {
-  return FileEvent(engine, event, process, stepped).Run();
+std::uint32_t HandleFileEvent(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process, StepOutcome& outcome) {
+  return FileEvent(engine, event, process, outcome).Run();
 }
 
 std::int32_t ParseLength(std::wstring_view text) {

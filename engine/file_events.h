@@ -13,9 +13,8 @@
 namespace zt {
 
 /// Applies the file behaviour of `event` to the records of `process`; any other behaviour does nothing. Returns and fills
-/// `path` as ZtProcessLogItem does. Throws std::bad_alloc with the records consistent.
-std::uint32_t HandleFileEvent(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process,
-                              const ZT_FILE_ITEM*& stepped);
+/// `outcome` as ZtProcessLogItem does. Throws std::bad_alloc with the records consistent.
+std::uint32_t HandleFileEvent(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process, StepOutcome& outcome);
 
 /// A decimal number as the C library reads it: white space, a sign, digits; 0 without digits; beyond 32 bits it stays at the
 /// bound.

@@ -30,14 +30,14 @@ ZtProcKey EventKey(const _ZtEngineCore& engine, const LOG_ITEM& log) {
 }
 
 /// Feeds the event to its process and, for a file behaviour, to the parent. Returns the greatest penalty, at least 1.
-std::uint32_t RunPasses(_ZtEngineCore& engine, const Event& event, const ZtProcKey& event_key, const ZT_FILE_ITEM*& stepped) {
-  std::uint32_t penalty = std::max(1u, ZtProcessLogItem(engine, event, event_key, stepped, true));
+std::uint32_t RunPasses(_ZtEngineCore& engine, const Event& event, const ZtProcKey& event_key, StepOutcome& outcome) {
+  const std::uint32_t penalty = std::max(1u, ZtProcessLogItem(engine, event, event_key, outcome, true));
   const ProcessTree::Entry* process = engine.Tree.Find(event_key);
   if (!IsFileBehavior(event.log.Behavior) || process == nullptr || NamesNoParent(process->parentKey)) {
     return penalty;
   }
   const ZtProcKey parent_key = process->parentKey;
-  return std::max(penalty, ZtProcessLogItem(engine, event, parent_key, stepped, false));
+  return std::max(penalty, ZtProcessLogItem(engine, event, parent_key, outcome, false));
 }
 
 /// The file that a penalty is charged for, or null. A penalty of the parent's pass is looked up among the files of the event's
@@ -59,22 +59,24 @@ ZtFileMap::value_type* ChargeableFile(ProcessTree::Entry* process, const std::ws
   return file;
 }
 
-/// Multiplies the scores of the process and of all its ancestors.
+/// Multiplies the scores of the process and of all its ancestors. Throws std::bad_alloc with nothing changed.
 void Charge(_ZtEngineCore& engine, const LOG_ITEM& log, ProcessTree::Entry& process, ZtFileMap::value_type& file,
             std::uint32_t penalty) {
+  ParentPenalty parent_penalty(penalty, log, file);
+  engine.Tree.Climb(process.key, [&](ProcessTree::Entry& ancestor) {
+    if (&ancestor != &process) {
+      parent_penalty.Add(ancestor);
+    }
+  });
+
   const std::int32_t before = process.Item.Score;
   file.second.penalized = true;
   process.Item.Score = MultiplyScore(before, penalty);
   process.Item.ScoreTime = log.Time;
   ReportCharge(engine, process.key, ScoreReport::Cause::kPenalty, before, process.Item.Score, penalty, file.first);
-
-  const ParentPenalty charge_parent(penalty, log, file);
-  engine.Tree.Climb(process.key, [&](ProcessTree::Entry& ancestor) {
-    const std::int32_t ancestor_before = ancestor.Item.Score;
-    if (&ancestor != &process && charge_parent(ancestor.Item)) {
-      ReportCharge(engine, ancestor.key, ScoreReport::Cause::kParentPenalty, ancestor_before, ancestor.Item.Score, penalty,
-                   file.first);
-    }
+  parent_penalty.Charge([&](const ProcessTree::Entry& ancestor, std::int32_t ancestor_before) {
+    ReportCharge(engine, ancestor.key, ScoreReport::Cause::kParentPenalty, ancestor_before, ancestor.Item.Score, penalty,
+                 file.first);
   });
 }
 
@@ -99,17 +101,16 @@ std::uint32_t WalkScores(_ZtEngineCore& engine, ProcessTree::Entry& process) {
   return parent == nullptr ? score : std::max(score, ClampScore(engine, *parent));
 }
 
-/// Everything that happens under the lock. Returns the call's result.
-std::uint32_t InsertEvent(_ZtEngineCore& engine, const Event& event) {
+/// Everything that happens under the lock. Returns the call's result. Throws std::bad_alloc with `outcome` to be taken back.
+std::uint32_t InsertEvent(_ZtEngineCore& engine, const Event& event, StepOutcome& outcome) {
   const LOG_ITEM& log = event.log;
   const ZtProcKey key = EventKey(engine, log);
-  const ZT_FILE_ITEM* stepped = nullptr;
-  const std::uint32_t penalty = RunPasses(engine, event, key, stepped);
+  const std::uint32_t penalty = RunPasses(engine, event, key, outcome);
   if (penalty <= 1) {
     return 0;
   }
   // The file is charged under the name that it was filled with: a renamed copy under its first one.
-  const std::wstring path = ToLower(stepped->Path.Wide());
+  const std::wstring path = ToLower(outcome.stepped()->Path.Wide());
   ZT_TRACE_DEBUG("ProcKey: (%d, %lld) Path: %ws Penalty: %d", Trace32(key.Pid), Trace64(key.Time), path.c_str(), penalty);
   ProcessTree::Entry* process = engine.Tree.Find(key);
   ZtFileMap::value_type* file = ChargeableFile(process, path);
@@ -123,15 +124,20 @@ std::uint32_t InsertEvent(_ZtEngineCore& engine, const Event& event) {
   return result;
 }
 
-/// Exhausted memory must not reach the host from here: an event is then worth nothing.
+/// Exhausted memory must not reach the host from here: the event then charges nobody, and the next one like it does.
 std::uint32_t InsertOrIgnore(_ZtEngineCore& engine, const LOG_ITEM& log) {
   try {
     const Event event(log);
     const CriticalSectionLock hold(engine.Lock);
-    return InsertEvent(engine, event);
+    StepOutcome outcome;
+    try {
+      return InsertEvent(engine, event, outcome);
+    } catch (...) {
+      outcome.TakeBack();
+    }
   } catch (...) {
-    return 0;
   }
+  return 0;
 }
 
 }  // namespace
@@ -142,12 +148,9 @@ ZtLong ZtInsertLog(std::shared_ptr<void>& engine, const LOG_ITEM* log) {
   if (!core || log == nullptr) {
     return 0;
   }
-  const bool is_timed = zt::IsTraced(zt::kTraceDebug);  // Reading the clock costs as much as a small event.
-  const std::int64_t start = is_timed ? zt::SteadyNanoseconds() : 0;
+  const std::int64_t start = zt::SteadyNanoseconds();  // Also while no line wants it: that may change during the call.
   const LOG_ITEM record = *log;
   const std::uint32_t result = zt::InsertOrIgnore(*core, record);
-  if (is_timed) {
-    ZT_TRACE_DEBUG("Time past: %lld nanoseconds", zt::Trace64(zt::SteadyNanoseconds() - start));
-  }
+  ZT_TRACE_DEBUG("Time past: %lld nanoseconds", zt::Trace64(zt::SteadyNanoseconds() - start));
   return static_cast<ZtLong>(result);
 }

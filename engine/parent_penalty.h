@@ -4,7 +4,9 @@
 #define ZT_ENGINE_PARENT_PENALTY_H
 
 #include <cstdint>
+#include <vector>
 
+#include "engine/process_tree.h"
 #include "zteng/zteng.h"
 
 namespace zt {
@@ -14,21 +16,46 @@ constexpr std::int32_t MultiplyScore(std::int32_t score, std::uint32_t factor) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(score) * factor);
 }
 
-/// Charges one file to one ancestor after the other. Borrows the event and the file's entry: it must not outlive the insertion
-/// that made it.
+/// Charges one file to the ancestors of a process: to all of them, or, where memory is exhausted, to none. All that can fail is
+/// done by Add. Borrows the event, the file's entry and the ancestors: it must not outlive the insertion that made it.
 class ParentPenalty {
  public:
   ParentPenalty(std::uint32_t factor, const LOG_ITEM& log, const ZtFileMap::value_type& file)
-      : factor_(factor), log_(&log), file_(&file) {}
+      : factor_(factor), log_(log), file_(file) {}
+  ParentPenalty(const ParentPenalty&) = delete;
+  ParentPenalty& operator=(const ParentPenalty&) = delete;
+  /// Takes the records back that were made for a charge that did not follow.
+  ~ParentPenalty();
 
-  /// Multiplies the ancestor's score, stamps the time and marks the file in the ancestor's records, making a record where it
-  /// has none; a file charges an ancestor once. Returns whether it was charged. Throws std::bad_alloc with nothing changed.
-  bool operator()(ZT_PID_ITEM& ancestor) const;
+  /// Takes the next ancestor in and makes sure that it has a record of the file. Throws std::bad_alloc with nothing changed.
+  void Add(ProcessTree::Entry& ancestor);
+
+  /// Multiplies each ancestor's score, stamps the time and marks the file in the ancestor's records; a file charges an ancestor
+  /// once. Calls charged(ancestor, score_before) after each charge. Allocates nothing.
+  template <typename Charged>
+  void Charge(const Charged& charged) {
+    for (const Ancestor& ancestor : ancestors_) {
+      const std::int32_t score_before = ancestor.entry->Item.Score;
+      if (ChargeOne(ancestor)) {
+        charged(*ancestor.entry, score_before);
+      }
+    }
+    ancestors_.clear();
+  }
 
  private:
+  struct Ancestor {
+    ProcessTree::Entry* entry;
+    ZtFileMap::value_type* file;  ///< In the ancestor's records.
+    bool is_new;                  ///< The record was made by Add.
+  };
+
+  bool ChargeOne(const Ancestor& ancestor) const;
+
   std::uint32_t factor_;
-  const LOG_ITEM* log_;
-  const ZtFileMap::value_type* file_;
+  const LOG_ITEM& log_;
+  const ZtFileMap::value_type& file_;
+  std::vector<Ancestor> ancestors_;
 };
 
 }  // namespace zt

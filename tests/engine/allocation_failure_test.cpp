@@ -182,11 +182,24 @@ class InsertionFailureTest : public AllocationFailureTest {
     FailEachOfInsertion(prepare, event, 0, [&] { EXPECT_THAT(DumpState(core()), AnyOf(before, after)); });
   }
 
-  /// The score of each process tells whether it was charged for the file, and so does the file's mark.
-  void ExpectChargedAsMarked(std::uint64_t processes, const std::wstring& key, std::int32_t factor) {
+  /// As FailEachOfInsertion, for an event of the youngest generation that charges the file `key`: afterwards each of the
+  /// `processes` generations is charged and has the file marked, or none is, and then the same event charges them all.
+  void FailEachOfCharge(const Action& prepare, const LOG_ITEM& event, std::uint64_t processes, const std::wstring& key,
+                        std::int32_t factor) {
+    FailEachOfInsertion(prepare, event, factor, [&] {
+      const bool charged = ScoreOf(processes) != 1;
+      ExpectCharged(processes, key, charged ? factor : 1);
+      EXPECT_EQ(Insert(event), charged ? 0 : factor) << "the same event again";
+      ExpectCharged(processes, key, factor);
+    });
+  }
+
+ private:
+  void ExpectCharged(std::uint64_t processes, const std::wstring& key, std::int32_t score) {
     for (std::uint64_t pid = 1; pid <= processes; ++pid) {
       const ZT_FILE_ITEM* file = FileOf(pid, key);
-      EXPECT_EQ(ScoreOf(pid), file != nullptr && file->penalized ? factor : 1) << pid;
+      EXPECT_EQ(ScoreOf(pid), score) << pid;
+      EXPECT_EQ(file != nullptr && file->penalized, score != 1) << pid;
     }
   }
 };
@@ -241,23 +254,59 @@ TEST_F(InsertionFailureTest, StepsWithoutPenaltyKeepTheirRecords) {
   }
 }
 
-TEST_F(InsertionFailureTest, AnOverwriteChargesExactlyTheProcessesWhoseFileItMarks) {
-  FailEachOfInsertion(
+TEST_F(InsertionFailureTest, AnOverwriteChargesAllProcessesOrNone) {
+  FailEachOfCharge(
       [this] {
         StartGenerations(5);
         OpenAndRead(5, kDoc);
       },
-      Write(5, kDoc), 2, [this] { ExpectChargedAsMarked(5, kDoc, 2); });
+      Write(5, kDoc), 5, kDoc, 2);
 }
 
-TEST_F(InsertionFailureTest, ASimilarCopyChargesExactlyTheProcessesWhoseFileItMarks) {
-  FailEachOfInsertion(
+TEST_F(InsertionFailureTest, AnOverwriteOfOneOfManyFilesChargesAllProcessesOrNone) {
+  FailEachOfCharge(
+      [this] {
+        StartGenerations(3);
+        for (wchar_t letter = L'a'; letter <= L'z'; ++letter) {
+          OpenAndRead(3, L"c:\\users\\someone\\documents\\" + std::wstring(1, letter));
+        }
+        OpenAndRead(3, kDoc);
+      },
+      Write(3, kDoc), 3, kDoc, 2);
+}
+
+TEST_F(InsertionFailureTest, ASimilarCopyChargesAllProcessesOrNone) {
+  FailEachOfCharge(
       [this] {
         StartGenerations(4);
         OpenAndRead(4, kDoc);
         Insert(Delete(4, kDoc));
       },
-      Write(4, kCopy), 6, [this] { ExpectChargedAsMarked(4, kDoc, 6); });
+      Write(4, kCopy), 4, kDoc, 6);
+}
+
+// The difference that the first entry shows would be found by the second search, had the first one kept what it learned.
+TEST_F(InsertionFailureTest, AMatchOfALearnedDifferenceIsFoundAgain) {
+  const std::wstring folder = L"c:\\users\\someone\\documents\\";
+  FailEachOfCharge(
+      [this, folder] {
+        StartGenerations(2);
+        ItemOf(2)->NameDiff = L"_the_difference_that_was_learned_before";
+        for (const std::uint64_t pid : {1U, 2U}) {
+          Track(pid, folder + L"port.docx", ZT_READ_START);
+          Track(pid, kDoc, ZT_DELETE_ORG);
+        }
+      },
+      Write(2, kCopy), 2, kDoc, 6);
+}
+
+TEST_F(InsertionFailureTest, ADeletedOriginalChargesAllProcessesOrNone) {
+  FailEachOfCharge(
+      [this] {
+        StartGenerations(3);
+        Track(3, kDoc, ZT_WRITE_SIMILAR);
+      },
+      Delete(3, kDoc), 3, kDoc, 6);
 }
 
 TEST_F(InsertionFailureTest, ALearnedNameDifferenceLeavesTheRecordsIntact) {
@@ -308,14 +357,12 @@ TEST_F(InsertionFailureTest, ARenameOntoATrackedFileReplacesItWholeOrLeavesIt) {
 TEST_F(InsertionFailureTest, ARenameWithTwoStepsKeepsItsRecords) {
   const auto prepare = [this] {
     StartGenerations(3);
-    Track(3, kDoc, ZT_DELETE_ORG);
-    Track(3, kElsewhere, ZT_SECTION_SYNC);
+    for (const std::uint64_t pid : {2U, 3U}) {
+      Track(pid, kDoc, ZT_DELETE_ORG);
+      Track(pid, kElsewhere, ZT_SECTION_SYNC);
+    }
   };
-  FailEachOfInsertion(prepare, Rename(3, kElsewhere, kCopy), 2, [this] {
-    EXPECT_THAT(FileOf(3, kDoc)->Path, kDoc);
-    EXPECT_THAT(FileOf(3, kElsewhere)->Path, kElsewhere);
-    ExpectChargedAsMarked(3, kElsewhere, 2);
-  });
+  FailEachOfCharge(prepare, Rename(3, kElsewhere, kCopy), 3, kElsewhere, 2);
 }
 
 TEST_F(InsertionFailureTest, ASimilarMoveKeepsItsFolder) {

@@ -9,10 +9,14 @@
 #include <iterator>
 #include <regex>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "engine/inspection.h"
+#include "engine/tracing.h"
 #include "engine/transition_table.h"
 #include "tests/support/engine_test.h"
+#include "tests/support/locale_guard.h"
 #include "tests/support/state_dump.h"
 
 namespace zt::testing {
@@ -440,6 +444,64 @@ TEST_F(LogInsertionTest, EveryCallEndsWithItsElapsedTime) {
   }
   EXPECT_THAT(last_lines,
               ElementsAre(MatchesPattern("Time past: [0-9]+ nanoseconds"), MatchesPattern("Time past: [0-9]+ nanoseconds")));
+}
+
+/// Switches debug lines on or off while a call runs.
+class FlagsChanger : public EngineObserver {
+ public:
+  explicit FlagsChanger(std::uint64_t flags) : flags_(flags) {}
+  void OnStep(const StepReport&) override { TraceFlags = flags_; }
+  void OnScore(const ScoreReport&) override {}
+  void OnSimilarFile(const ZtProcKey&, std::wstring_view, std::wstring_view) override {}
+
+ private:
+  std::uint64_t flags_;
+};
+
+TEST_F(LogInsertionTest, TheElapsedTimeIsTracedWhereTheDebugBitIsSetDuringTheCall) {
+  StartProcess(10);
+  Insert(Open(10, kDoc));
+  TraceCapture trace(0x1);
+  FlagsChanger changer(TraceFlags | 0x2);
+  SetEngineObserver(engine_, &changer);
+  trace.Take();
+  Insert(Read(10, kDoc));
+  EXPECT_THAT(trace.TakeMessages().back(), MatchesPattern("Time past: [0-9]+ nanoseconds"));
+}
+
+TEST_F(LogInsertionTest, NothingIsTracedAfterTheDebugBitIsClearedDuringTheCall) {
+  StartProcess(10);
+  Insert(Open(10, kDoc));
+  TraceCapture trace(0x2);
+  FlagsChanger changer(TraceFlags & ~std::uint64_t{0x2});
+  SetEngineObserver(engine_, &changer);
+  trace.Take();
+  Insert(Read(10, kDoc));
+  EXPECT_EQ(trace.TakeMessages().back(), "ZT_READ_START");
+}
+
+TEST_F(LogInsertionTest, BothSeparatorsCarryTheirOwnStatementsNumber) {
+  TraceCapture trace(0x2);
+  trace.Take();
+  Insert(ProcessExit(1));
+  std::vector<std::int32_t> numbers;
+  for (const TraceLine& line : trace.Take()) {
+    if (line.message == kSeparator) {
+      numbers.push_back(line.line);
+    }
+  }
+  ASSERT_EQ(numbers.size(), 2U);
+  EXPECT_LT(numbers[0], numbers[1]);
+}
+
+TEST_F(LogInsertionTest, ALocaleThatTheHostSetsDuringASeriesLosesNoPenalty) {
+  StartProcess(10);
+  OpenAndRead(10, L"C:\\\u00C4RZTE\\a.doc");
+  const LocaleGuard locale;
+  if (!locale.KnowsUmlauts()) {
+    GTEST_SKIP() << "no locale of this system changes letters beyond A to Z";
+  }
+  EXPECT_EQ(Insert(Write(10, L"C:\\\u00C4RZTE\\a.doc")), 2);
 }
 
 TEST_F(LogInsertionTest, WithoutAnyBitNothingIsTraced) {

@@ -31,10 +31,15 @@ class ParentPenaltyTest : public ::testing::Test {
   /// Charges the ancestor for the descendant's file `path`.
   bool Charge(const std::wstring& path, std::uint32_t factor = 3) {
     const auto& file = *descendants_files_.try_emplace(path).first;
-    return ParentPenalty(factor, log_, file)(ancestor_);
+    ParentPenalty penalty(factor, log_, file);
+    penalty.Add(entry_);
+    bool charged = false;
+    penalty.Charge([&](const ProcessTree::Entry& entry, std::int32_t) { charged = &entry == &entry_; });
+    return charged;
   }
 
-  ZT_PID_ITEM ancestor_;
+  ProcessTree::Entry entry_;
+  ZT_PID_ITEM& ancestor_ = entry_.Item;
   LOG_ITEM log_ = {};
   ZtFileMap descendants_files_;
 };
@@ -84,6 +89,31 @@ TEST_F(ParentPenaltyTest, EveryFileCharges) {
   Charge(L"c:\\f");
   Charge(L"c:\\g");
   EXPECT_EQ(ancestor_.Score, 18);
+}
+
+TEST_F(ParentPenaltyTest, AChargeThatDoesNotFollowLeavesNothing) {
+  ancestor_.files[L"c:\\known"].State = 2;
+  const auto& known = *descendants_files_.try_emplace(L"c:\\known").first;
+  const auto& fresh = *descendants_files_.try_emplace(L"c:\\fresh").first;
+  {
+    ParentPenalty penalty(3, log_, known);
+    penalty.Add(entry_);
+    ParentPenalty other(3, log_, fresh);
+    other.Add(entry_);
+    EXPECT_EQ(ancestor_.files.size(), 2u);
+  }
+  ASSERT_EQ(ancestor_.files.size(), 1u);
+  EXPECT_FALSE(ancestor_.files.at(L"c:\\known").penalized);
+  EXPECT_EQ(ancestor_.Score, 2);
+}
+
+TEST_F(ParentPenaltyTest, AChargeReportsTheScoreBefore) {
+  const auto& file = *descendants_files_.try_emplace(L"c:\\f").first;
+  ParentPenalty penalty(3, log_, file);
+  penalty.Add(entry_);
+  std::int32_t before = 0;
+  penalty.Charge([&](const ProcessTree::Entry&, std::int32_t score) { before = score; });
+  EXPECT_EQ(before, 2);
 }
 
 TEST_F(ParentPenaltyTest, MarkOfTheDescendantsRecordIsNotRead) {
