@@ -75,7 +75,7 @@ inline LOG_ITEM MakeMove(std::size_t file) {
 class RealEngine {
  public:
   RealEngine() { ZtInitEngineCore(handle_, 1); }
-  ZtLong InsertLog(const LOG_ITEM* log) { return ZtInsertLog(handle_, log); }
+  ZtLong InsertLog(LOG_ITEM* log) { return ZtInsertLog(handle_, log); }
   std::shared_ptr<void>& handle() { return handle_; }
 
  private:
@@ -103,7 +103,8 @@ class TrackedFolder {
     }
   }
 
-  void Insert(const LOG_ITEM& record) { engine_.InsertLog(&record); }
+  void Insert(LOG_ITEM& record) { engine_.InsertLog(&record); }
+  void Insert(LOG_ITEM&& record) { Insert(record); }
 
   /// Events of one kind on the next `count` files, each of which is handed out once until all were.
   std::vector<LOG_ITEM> NextEvents(EventMaker make, std::size_t count) {

@@ -86,12 +86,12 @@ void PrintCost(const char* thing, std::size_t asked_before, std::size_t given_be
 
 void MeasureFiles() {
   RealEngine engine;
-  const LOG_ITEM create = MakeRecord(0, BehaviorProcessCreate, L"C:\\Windows\\app.exe", kPid);
+  LOG_ITEM create = MakeRecord(0, BehaviorProcessCreate, L"C:\\Windows\\app.exe", kPid);
   engine.InsertLog(&create);
   const std::size_t asked_before = asked_for;
   const std::size_t given_before = given;
   for (std::size_t file = 0; file < kCount; ++file) {
-    const LOG_ITEM open = MakeRecord(kPid, BehaviorCreate, PathOf(file), 4096);
+    LOG_ITEM open = MakeRecord(kPid, BehaviorCreate, PathOf(file), 4096);
     engine.InsertLog(&open);
   }
   PrintCost("file", asked_before, given_before);
@@ -109,12 +109,12 @@ void MeasureFiles() {
 
 void MeasureProcesses() {
   RealEngine engine;
-  const LOG_ITEM root = MakeRecord(0, BehaviorProcessCreate, L"C:\\Windows\\app.exe", kPid);
+  LOG_ITEM root = MakeRecord(0, BehaviorProcessCreate, L"C:\\Windows\\app.exe", kPid);
   engine.InsertLog(&root);
   const std::size_t asked_before = asked_for;
   const std::size_t given_before = given;
   for (std::size_t child = 0; child < kCount; ++child) {
-    const LOG_ITEM create = MakeRecord(kPid, BehaviorProcessCreate, L"C:\\Windows\\System32\\svchost.exe", 2000 + child);
+    LOG_ITEM create = MakeRecord(kPid, BehaviorProcessCreate, L"C:\\Windows\\System32\\svchost.exe", 2000 + child);
     engine.InsertLog(&create);
   }
   PrintCost("process", asked_before, given_before);

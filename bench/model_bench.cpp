@@ -15,7 +15,7 @@ void FeedModel(benchmark::State& state, EventMaker make) {
   static ModelFolder folder(static_cast<std::size_t>(state.range(0)), Order::kShuffled, 1U, std::uint64_t{0});
   double seconds = 0;
   for (auto _ : state) {
-    const std::vector<LOG_ITEM> events = folder.NextEvents(make, 1);
+    std::vector<LOG_ITEM> events = folder.NextEvents(make, 1);
     const double start = CpuSeconds();
     folder.Insert(events.front());
     const double time = CpuSeconds() - start;

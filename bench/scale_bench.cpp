@@ -52,9 +52,9 @@ void FeedBatches(benchmark::State& state, EventMaker make, Order order) {
   double seconds = 0;
   for (auto _ : state) {
     const auto folder = FolderOf(state.range(0), order);
-    const std::vector<LOG_ITEM> events = folder->NextEvents(make, kBatch);
+    std::vector<LOG_ITEM> events = folder->NextEvents(make, kBatch);
     const double start = CpuSeconds();
-    for (const LOG_ITEM& event : events) {
+    for (LOG_ITEM& event : events) {
       folder->Insert(event);
     }
     const double time = CpuSeconds() - start;

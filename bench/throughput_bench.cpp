@@ -33,8 +33,8 @@ constexpr std::array<EventMaker, 20> kMix = {
 };
 
 /// Random events of the mix on random files, the same in every run.
-const std::vector<LOG_ITEM>& MixedEvents() {
-  static const std::vector<LOG_ITEM> events = [] {
+std::vector<LOG_ITEM>& MixedEvents() {
+  static std::vector<LOG_ITEM> events = [] {
     std::mt19937 random(2);
     std::vector<LOG_ITEM> made;
     for (std::size_t event = 0; event < kEvents; ++event) {
@@ -48,7 +48,7 @@ const std::vector<LOG_ITEM>& MixedEvents() {
 
 /// One process with its files; with `parent`, below one that the engine knows, which then tracks the files as well.
 void Mixed(benchmark::State& state, bool parent) {
-  const std::vector<LOG_ITEM>& events = MixedEvents();
+  std::vector<LOG_ITEM>& events = MixedEvents();
   double seconds = 0;
   for (auto _ : state) {
     TrackedFolder<RealEngine> folder(parent ? 0 : kFiles);
@@ -62,7 +62,7 @@ void Mixed(benchmark::State& state, bool parent) {
       }
     }
     const double start = CpuSeconds();
-    for (const LOG_ITEM& event : events) {
+    for (LOG_ITEM& event : events) {
       folder.Insert(event);
     }
     const double time = CpuSeconds() - start;
@@ -76,12 +76,12 @@ void Mixed(benchmark::State& state, bool parent) {
 void Threads(benchmark::State& state) {
   static TrackedFolder<RealEngine> folder = [] {
     TrackedFolder<RealEngine> made(kFiles);
-    for (const LOG_ITEM& event : MixedEvents()) {
+    for (LOG_ITEM& event : MixedEvents()) {
       made.Insert(event);
     }
     return made;
   }();
-  const std::vector<LOG_ITEM>& events = MixedEvents();
+  std::vector<LOG_ITEM>& events = MixedEvents();
   std::size_t next = static_cast<std::size_t>(state.thread_index()) * (kEvents / 2);
   for (auto _ : state) {
     folder.Insert(events[next]);

@@ -31,7 +31,7 @@ std::wstring WidenTarget(const LOG_ITEM& log) {
 
 }  // namespace zt
 
-ZtLong ZtCalculateSingleLineScore(std::shared_ptr<void>& engine, const LOG_ITEM* item, ZtLong score) {
+ZtLong ZtCalculateSingleLineScore(std::shared_ptr<void>& engine, LOG_ITEM* item, ZtLong score) {
   const auto core = zt::AcquireEngine(engine);
   if (!core || item == nullptr || score == 0) {
     return 0;

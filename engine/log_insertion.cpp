@@ -143,7 +143,7 @@ std::uint32_t InsertOrIgnore(_ZtEngineCore& engine, const LOG_ITEM& log) {
 }  // namespace
 }  // namespace zt
 
-ZtLong ZtInsertLog(std::shared_ptr<void>& engine, const LOG_ITEM* log) {
+ZtLong ZtInsertLog(std::shared_ptr<void>& engine, LOG_ITEM* log) {
   const auto core = zt::AcquireEngine(engine);
   if (!core || log == nullptr) {
     return 0;

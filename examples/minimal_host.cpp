@@ -30,13 +30,13 @@ int main() {
   ZtInitEngineCore(engine, 1);
 
   constexpr std::uint64_t kPid = 4242;
-  const LOG_ITEM events[] = {
+  LOG_ITEM events[] = {
       MakeEvent(1000, 4, BehaviorProcessCreate, u"C:\\Users\\ann\\invoice.exe", kPid),
       MakeEvent(1001, kPid, BehaviorCreate, u"C:\\Users\\ann\\report.docx", 1),
       MakeEvent(1002, kPid, BehaviorRead, u"C:\\Users\\ann\\report.docx", 51200),
       MakeEvent(1003, kPid, BehaviorWrite, u"C:\\Users\\ann\\report.docx|51200", 0),
   };
-  for (const LOG_ITEM& event : events) {
+  for (LOG_ITEM& event : events) {
     if (const ZtLong score = ZtInsertLog(engine, &event); score != 0) {
       std::cout << "process " << event.Pid << " has risen to score " << score << "\n";
     }

@@ -116,8 +116,8 @@ void Calls(const std::string& path) {
   const Exports library(file);
   std::shared_ptr<void> engine;
   std::cout << "init " << int{library.init(engine, 7)} << "\n";
-  const std::vector<LOG_ITEM> events = Overwrite();
-  for (const LOG_ITEM& event : events) {
+  std::vector<LOG_ITEM> events = Overwrite();
+  for (LOG_ITEM& event : events) {
     std::cout << "insert " << library.insert(engine, &event) << "\n";
   }
   std::cout << "line " << library.line_score(engine, &events.back(), 41) << "\n";
@@ -139,7 +139,8 @@ void FeedOneEvent(const LoadedLibrary& file) {
   const Exports library(file);
   std::shared_ptr<void> engine;
   library.init(engine, 1);
-  library.insert(engine, &Overwrite().front());
+  LOG_ITEM event = Overwrite().front();
+  library.insert(engine, &event);
   library.cleanup(engine);
 }
 

@@ -52,7 +52,7 @@ class AllocationFailureTest : public EngineTest {
 
   /// The same for an insertion: it must return 0 when an allocation failed, else `result`.
   void FailEachOfInsertion(
-      const Action& prepare, const LOG_ITEM& event, ZtLong result, const Action& check = [] {}) {
+      const Action& prepare, LOG_ITEM event, ZtLong result, const Action& check = [] {}) {
     ZtLong returned = -1;
     FailEach(
         prepare,
@@ -542,7 +542,7 @@ TEST_F(ExportFailureTest, AFinalStateLeavesTheEngineAsItWas) {
 }
 
 TEST_F(ExportFailureTest, ALineScoreIsGivenOrMemoryIsExhausted) {
-  const LOG_ITEM load = ModuleLoad(1, L"C:\\Windows\\System32\\cryptsp.dll");
+  LOG_ITEM load = ModuleLoad(1, L"C:\\Windows\\System32\\cryptsp.dll");
   ZtLong score = 0;
   FailEach([&] { score = 0; }, [&](bool failed) { EXPECT_EQ(score, failed ? 0 : 6); },
            [&] { score = ZtCalculateSingleLineScore(engine_, &load, 5); });

@@ -73,7 +73,7 @@ TEST_F(ContextTest, ASecondInitLeavesTheContextOfAnotherCopyAlone) {
   ZtInitEngineCore(engine_, 8);
   EXPECT_NE(copy, engine_);
   EXPECT_EQ(std::static_pointer_cast<_ZtEngineCore>(copy)->Tree.size(), 1U);
-  const LOG_ITEM child = ProcessCreate(10, 20, 200);
+  LOG_ITEM child = ProcessCreate(10, 20, 200);
   ZtInsertLog(copy, &child);
   EXPECT_EQ(std::static_pointer_cast<_ZtEngineCore>(copy)->Tree.size(), 2U);
   EXPECT_EQ(core().Tree.size(), 0U);
@@ -164,7 +164,7 @@ TEST_F(ContextTest, TwoEnginesShareNothing) {
   EXPECT_EQ(Overwrite(10, L"c:\\a.doc"), 2);
   EXPECT_EQ(DumpState(other_core), "");
 
-  const LOG_ITEM start = ProcessCreate(0, 10, 300);
+  LOG_ITEM start = ProcessCreate(0, 10, 300);
   ZtInsertLog(other, &start);
   ZtUpdateScore(other, Handle(10), 50);
   EXPECT_EQ(ScoreOf(10), 2);
@@ -186,9 +186,9 @@ class NeutralResultTest : public EngineTest {
   }
 
   static void ExpectNeutralResults(std::shared_ptr<void>& engine) {
-    const LOG_ITEM open = Open(10, L"C:\\d\\b.doc");
+    LOG_ITEM open = Open(10, L"C:\\d\\b.doc");
     EXPECT_EQ(ZtInsertLog(engine, &open), 0);
-    const LOG_ITEM load = ModuleLoad(10, L"C:\\bcrypt.dll");
+    LOG_ITEM load = ModuleLoad(10, L"C:\\bcrypt.dll");
     EXPECT_EQ(ZtCalculateSingleLineScore(engine, &load, 5), 0);
     ZtUpdateScore(engine, Handle(10), 9);
     ZtUpdateScore(engine, Handle(11), 9);

@@ -64,8 +64,8 @@ TEST(ExportsTest, TheExportsTakeTheArgumentsThatHostsPass) {
   const std::vector<std::string> symbols = DefinedSymbols();
   EXPECT_THAT(symbols, Contains("ZtInitEngineCore(std::shared_ptr<void>&, unsigned int)"));
   EXPECT_THAT(symbols, Contains("ZtCleanupEngineCore(std::shared_ptr<void>&)"));
-  EXPECT_THAT(symbols, Contains("ZtInsertLog(std::shared_ptr<void>&, _LOG_ITEM const*)"));
-  EXPECT_THAT(symbols, Contains("ZtCalculateSingleLineScore(std::shared_ptr<void>&, _LOG_ITEM const*, int)"));
+  EXPECT_THAT(symbols, Contains("ZtInsertLog(std::shared_ptr<void>&, _LOG_ITEM*)"));
+  EXPECT_THAT(symbols, Contains("ZtCalculateSingleLineScore(std::shared_ptr<void>&, _LOG_ITEM*, int)"));
   EXPECT_THAT(symbols, Contains("ZtUpdateScore(std::shared_ptr<void>&, void*, int)"));
   EXPECT_THAT(symbols, Contains("ZtResetScore(std::shared_ptr<void>&, long, long)"));
   EXPECT_THAT(symbols, Contains("ZtGetProcTree(std::shared_ptr<void>&, void*)"));

@@ -19,7 +19,7 @@ constexpr std::uint64_t kPid = 10;
 
 class LineScoringTest : public EngineTest {
  protected:
-  ZtLong ScoreAfter(const LOG_ITEM& line, ZtLong score) { return ZtCalculateSingleLineScore(engine_, &line, score); }
+  ZtLong ScoreAfter(LOG_ITEM line, ZtLong score) { return ZtCalculateSingleLineScore(engine_, &line, score); }
   ZtLong ScoreAfterLoad(std::wstring_view path, ZtLong score = 5) { return ScoreAfter(ModuleLoad(kPid, path), score); }
 };
 

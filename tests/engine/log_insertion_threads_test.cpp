@@ -44,7 +44,7 @@ class LogInsertionThreadsTest : public EngineTest {};
 
 TEST_F(LogInsertionThreadsTest, EveryLineOfOneProcessIsCounted) {
   StartProcess(10);
-  const LOG_ITEM load = ModuleLoad(10, L"C:\\bcrypt.dll");
+  LOG_ITEM load = ModuleLoad(10, L"C:\\bcrypt.dll");
   RunTogether([this, &load](std::uint64_t) {
     for (int i = 0; i < 1000; ++i) {
       ZtInsertLog(engine_, &load);
@@ -60,7 +60,7 @@ TEST_F(LogInsertionThreadsTest, OneFileIsChargedOnceHoweverManyWriteIt) {
     const std::wstring path = L"c:\\d\\file" + std::to_wstring(round);
     OpenAndRead(10, path);
     ItemOf(10)->Score = 1;
-    const LOG_ITEM write = Write(10, path);
+    LOG_ITEM write = Write(10, path);
     RunTogether([this, &write, &penalised](std::uint64_t) {
       if (ZtInsertLog(engine_, &write) == 2) {
         ++penalised;
@@ -134,7 +134,7 @@ TEST_F(LogInsertionThreadsTest, CopiesOfTheHandleMayBeDroppedWhileOthersWork) {
   engine_.reset();
   RunTogether([&handles](std::uint64_t number) {
     std::shared_ptr<void>& handle = handles[number];
-    const LOG_ITEM load = ModuleLoad(10, L"C:\\bcrypt.dll");
+    LOG_ITEM load = ModuleLoad(10, L"C:\\bcrypt.dll");
     for (std::uint64_t i = 0; i < 100 * (number + 1); ++i) {
       EXPECT_EQ(ZtInsertLog(handle, &load), 0);
     }

@@ -57,7 +57,7 @@ void* Handle(std::uint64_t pid) {
 std::uint64_t FromHandle(const void* pid) { return reinterpret_cast<std::uintptr_t>(pid); }
 
 /// Makes the call to the engine.
-Outcome Play(std::shared_ptr<void>& engine, const Call& call) {
+Outcome Play(std::shared_ptr<void>& engine, Call call) {
   Outcome outcome;
   switch (call.kind) {
     case Call::Kind::kInsertLog:

@@ -34,7 +34,7 @@ class EngineTest : public ::testing::Test {
 
   _ZtEngineCore& core() { return *std::static_pointer_cast<_ZtEngineCore>(engine_); }
 
-  ZtLong Insert(const LOG_ITEM& log) { return ZtInsertLog(engine_, &log); }
+  ZtLong Insert(LOG_ITEM log) { return ZtInsertLog(engine_, &log); }
 
   /// Enters a process whose creator is not known: its key is (pid, time).
   void StartProcess(std::uint64_t pid, std::int64_t time = 100, std::wstring_view image = L"C:\\app.exe") {

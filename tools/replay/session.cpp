@@ -106,14 +106,16 @@ void Session::Make(const Call& call, ResultsWriter* results) {
 }
 
 void Session::InsertLog(const Call& call, ResultsWriter* results) {
-  const ZtLong result = ZtInsertLog(engine_, &call.record);
+  LOG_ITEM record = call.record;
+  const ZtLong result = ZtInsertLog(engine_, &record);
   if (results != nullptr) {
     results->InsertLog(call.number, result);
   }
 }
 
 void Session::ScoreLine(const Call& call, ResultsWriter* results) {
-  const ZtLong score = ZtCalculateSingleLineScore(engine_, &call.record, call.value);
+  LOG_ITEM record = call.record;
+  const ZtLong score = ZtCalculateSingleLineScore(engine_, &record, call.value);
   if (results != nullptr) {
     results->SingleLineScore(call.number, score);
   }

@@ -131,7 +131,7 @@ ZT_API void ZtCleanupEngineCore(std::shared_ptr<void>& engine);
 ///
 /// Threads: any; serialised by the engine's lock. No exception leaves the call: when memory is exhausted it returns 0, with
 /// the lock released and the engine's tables consistent.
-ZT_API ZtLong ZtInsertLog(std::shared_ptr<void>& engine, const LOG_ITEM* log);
+ZT_API ZtLong ZtInsertLog(std::shared_ptr<void>& engine, LOG_ITEM* log);
 
 /// The score that a process has after one event line of its own. Stores nothing.
 ///
@@ -143,7 +143,7 @@ ZT_API ZtLong ZtInsertLog(std::shared_ptr<void>& engine, const LOG_ITEM* log);
 ///         the score unchanged
 ///
 /// Threads: takes no lock. Safe beside any other call but ZtInitEngineCore and ZtCleanupEngineCore.
-ZT_API ZtLong ZtCalculateSingleLineScore(std::shared_ptr<void>& engine, const LOG_ITEM* item, ZtLong score);
+ZT_API ZtLong ZtCalculateSingleLineScore(std::shared_ptr<void>& engine, LOG_ITEM* item, ZtLong score);
 
 /// Sets the score of the newest process known under a process id. 0 makes the engine ignore the process until ZtResetScore
 /// lifts it to 1 again.
