@@ -27,17 +27,20 @@
 
 #include "zteng/zt_items.h"
 
-#if defined(_WIN32)
-#if defined(ZTENG_BUILD_DLL)
-#define ZT_API __declspec(dllexport)
-#elif defined(ZTENG_STATIC)
+// ZTENG_STATIC: the engine is linked statically, and nothing leaves the program.
+#if defined(ZTENG_STATIC)
 #define ZT_API
+#elif !defined(_WIN32)
+#define ZT_API __attribute__((visibility("default")))
+#elif defined(ZTENG_BUILD_DLL)
+#define ZT_API __declspec(dllexport)
 #else
 #define ZT_API __declspec(dllimport)
 #endif
+
+#if defined(_WIN32)
 using ZtWideChar = wchar_t;
 #else
-#define ZT_API __attribute__((visibility("default")))
 using ZtWideChar = char16_t;
 #endif
 

@@ -1,4 +1,4 @@
-// A library's file, laid open (ELF, 64 bits).
+// A program's or library's file, laid open (ELF, 64 bits).
 
 #ifndef ZT_TESTS_DLL_POSIX_ELF_FILE_H
 #define ZT_TESTS_DLL_POSIX_ELF_FILE_H
@@ -50,16 +50,9 @@ class ElfFile {
   }
 
   /// The names of the functions and variables that the file takes from others.
-  [[nodiscard]] std::vector<std::string> ImportedSymbols() const {
-    const Elf64_Shdr section = Section(SHT_DYNSYM);
-    std::vector<std::string> names;
-    for (const Elf64_Sym& symbol : At<Elf64_Sym>(section.sh_offset, section.sh_size / sizeof(Elf64_Sym))) {
-      if (symbol.st_shndx == SHN_UNDEF) {
-        names.push_back(Text(section, symbol.st_name));
-      }
-    }
-    return names;
-  }
+  [[nodiscard]] std::vector<std::string> ImportedSymbols() const { return DynamicSymbols(false); }
+  /// The names of those that others can take from it.
+  [[nodiscard]] std::vector<std::string> ExportedSymbols() const { return DynamicSymbols(true); }
 
  private:
   // `count` consecutive objects of the file.
@@ -72,6 +65,18 @@ class ElfFile {
     }
     std::memcpy(objects.data(), bytes_.data() + offset, count * sizeof(Type));
     return objects;
+  }
+
+  // The names of the symbols that the loader knows and the file defines, or does not define.
+  [[nodiscard]] std::vector<std::string> DynamicSymbols(bool defined) const {
+    const Elf64_Shdr section = Section(SHT_DYNSYM);
+    std::vector<std::string> names;
+    for (const Elf64_Sym& symbol : At<Elf64_Sym>(section.sh_offset, section.sh_size / sizeof(Elf64_Sym))) {
+      if (ELF64_ST_BIND(symbol.st_info) != STB_LOCAL && (symbol.st_shndx != SHN_UNDEF) == defined) {
+        names.push_back(Text(section, symbol.st_name));
+      }
+    }
+    return names;
   }
 
   [[nodiscard]] Elf64_Ehdr Header() const { return At<Elf64_Ehdr>(0, 1).front(); }

@@ -1,8 +1,9 @@
-// What the library's file says of itself: what it needs, and how the loader shall guard it.
+// What the library's file says of itself: what leaves it, what it needs, and how the loader shall guard it.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/dll/export_names.h"
 #include "tests/dll/posix/elf_file.h"
 
 namespace zt::testing {
@@ -12,11 +13,16 @@ using ::testing::Contains;
 using ::testing::IsEmpty;
 using ::testing::IsSubsetOf;
 using ::testing::SizeIs;
+using ::testing::UnorderedElementsAreArray;
 
 class LibraryFileTest : public ::testing::Test {
  protected:
   const ElfFile file_{ZT_LIBRARY_FILE};
 };
+
+TEST_F(LibraryFileTest, ExactlyTheTenExportsLeaveIt) {
+  EXPECT_THAT(file_.ExportedSymbols(), UnorderedElementsAreArray(ExportNames()));
+}
 
 TEST_F(LibraryFileTest, NeedsLibrariesOfTheSystemOnly) {
   EXPECT_THAT(file_.NeededLibraries(), Contains("libc.so.6"));
