@@ -3,65 +3,12 @@
 
 set -euo pipefail
 
-# Where a script says that this machine cannot do what is asked, it exits with this status: a caller counts that as skipped.
-readonly STATUS_CANNOT=77
-
 PROJECT=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 # What is ready for use stands here, much of it as links into the cache.
 # shellcheck disable=SC2034
 readonly PROJECT WINDOWS_BUILD=$PROJECT/build/windows
-# Kept for all checkouts of this machine's user.
-readonly CACHE=${XDG_CACHE_HOME:-$HOME/.cache}/zteng
+source "$PROJECT/scripts/machine.sh"
 mkdir -p "$CACHE"
-
-say() { printf '== %s\n' "$*"; }
-
-fail() {
-  echo "${0##*/}: $*" >&2
-  exit 1
-}
-
-cannot() {
-  echo "${0##*/}: $*" >&2
-  exit "$STATUS_CANNOT"
-}
-
-# as_root COMMAND...: runs it as root, by way of sudo where needed.
-as_root() {
-  if ((EUID == 0)); then
-    "$@"
-  else
-    sudo -n "$@"
-  fi
-}
-
-can_be_root() { ((EUID == 0)) || sudo -n true 2>/dev/null; }
-
-# update_apt COMMAND...: apt-get update by way of COMMAND. Another run of it, such as the system's own each morning, is waited for.
-update_apt() {
-  local attempt
-  for attempt in {1..30}; do
-    "$@" apt-get update -qq && return
-    echo "${0##*/}: apt-get update failed ($attempt of 30); again in 10 seconds" >&2
-    sleep 10
-  done
-  return 1
-}
-
-# need PACKAGE...: installs those that are missing.
-need() {
-  local missing=() package
-  for package in "$@"; do
-    [[ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" == installed ]] || missing+=("$package")
-  done
-  ((${#missing[@]})) || return 0
-  command -v apt-get >/dev/null || cannot "needs a Debian system"
-  can_be_root || cannot "these packages are missing and only root can install them: ${missing[*]}"
-  say "Installing ${missing[*]}"
-  update_apt as_root
-  as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends -o DPkg::Lock::Timeout=300 \
-    "${missing[@]}" </dev/null >/dev/null
-}
 
 # quietly LOG COMMAND...: its output goes to the log, and is shown when it fails.
 quietly() {

@@ -8,6 +8,7 @@
 #include <dbghelp.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
@@ -92,6 +93,9 @@ TEST_F(CrashFilterTest, DumpIsWholeAndTellsTheThread) {
 }
 
 TEST_F(CrashFilterTest, DumpTellsTheException) {
+  if (std::getenv("ZT_EMULATED") != nullptr) {
+    GTEST_SKIP() << "this emulation does not tell what the exception was";
+  }
   Run("install write");
   const MINIDUMP_EXCEPTION exception = ExceptionInDump().ExceptionRecord;
   EXPECT_EQ(exception.ExceptionCode, EXCEPTION_ACCESS_VIOLATION);
