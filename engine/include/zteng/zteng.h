@@ -8,6 +8,15 @@
 // between ZtInitEngineCore and ZtCleanupEngineCore: one lock per engine serialises them. ZtGetProcTree,
 // ZtCalculateSingleLineScore and ZtSearchSimilarFile take no lock; see each of them for what the host has to keep apart.
 //
+// What a host has to know first, beside docs/embedding.md:
+// - A process that runs already when the engine is built has to be announced by a BehaviorProcessCreate event, like one that
+//   starts later. Events of an unknown process change nothing and return 0.
+// - "|" separates the two parts of a target, so it cannot be part of a path.
+// - A host calls ZtResetScore regularly, for example once a minute: nothing else forgets files, processes or scores, and an engine
+//   that is never reset grows for ever.
+// - Every ancestor of a process is charged with what the process does. The process to stop is the deepest one that reached the
+//   host's alarm score, never an ancestor that was only charged; see ZtGetProcTree.
+//
 // Strings. A std::wstring holds UTF-16 code units on every system, one unit in each element, as on Windows.
 //
 // Errors. With an empty handle, a null record or an engine that was cleaned up, every export gives its neutral result (0, an
@@ -132,8 +141,12 @@ ZT_API void ZtCleanupEngineCore(std::shared_ptr<void>& engine);
 ///         parent's, 1 to 0x7FFFFFFF. (Scores multiply and wrap at 32 bits. The score of a higher ancestor is charged with
 ///         the same penalty; it may wrap, to 0 even, and is not clamped.)
 ///
-/// Threads: any; serialised by the engine's lock. No exception leaves the call: when memory is exhausted it returns 0, with
-/// the lock released and the engine's tables consistent.
+/// Threads: any; serialised by the engine's lock. No exception leaves the call.
+///
+/// When memory is exhausted it returns 0, with the lock released and the engine's tables sound. A penalty is then charged to
+/// nobody, neither to the process nor to an ancestor, and the next event like it charges it. What a lost event can leave
+/// behind: a file record in its first state, a list entry, a step without a penalty, a learned name difference, the length and
+/// offset of the write, and all this for the process without the same for its parent.
 ZT_API ZtLong ZtInsertLog(std::shared_ptr<void>& engine, LOG_ITEM* log);
 
 /// The score that a process has after one event line of its own. Stores nothing.
@@ -163,6 +176,10 @@ ZT_API void ZtUpdateScore(std::shared_ptr<void>& engine, void* pid, ZtLong value
 
 /// The suspicious members of a process's family: those with a score of 2 or more. The family is the subtree under the
 /// process's ancestor at most four levels up.
+///
+/// Not the list of whom to stop: every ancestor is charged with what a process does, so the shell and the service manager are on
+/// it, too. Stop the deepest process that reached the alarm (it has no descendant that did) and its descendants, and spare the
+/// system's own processes.
 ///
 /// @param engine  the engine
 /// @param pid     the process id; the newest process known under it is meant
@@ -200,7 +217,7 @@ ZT_API std::map<std::wstring, _ZT_FILE_ITEM>::iterator ZtSearchSimilarFile(std::
                                                                            std::map<std::wstring, _ZT_FILE_ITEM>& files,
                                                                            std::wstring target);
 
-/// The periodic clean-up. Sets the score of every process whose last penalty is old back to 1 (an ignored process counts again
+/// The periodic clean-up, for example once a minute: nothing else lets scores age or frees what is tracked. Sets the score of every process whose last penalty is old back to 1 (an ignored process counts again
 /// then), forgets file records that are older than 15 minutes (900000 age units) and need no recovery, and removes processes
 /// whose whole subtree has exited; such a process survives one further call.
 ///
