@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/tools/input/ordered.h"
+
 namespace replay {
 namespace {
 
@@ -41,6 +43,8 @@ TEST(BoundedMapTest, EraseTellsWhetherTheKeyWasThere) {
   EXPECT_TRUE(map.Erase("a"));
   EXPECT_FALSE(map.Erase("a"));
 }
+
+TEST(BoundedMapTest, NoChoiceOfKeysMakesItSlow) { EXPECT_TRUE(testing::IsOrdered<BoundedMap<int>::Entries>); }
 
 }  // namespace
 }  // namespace replay

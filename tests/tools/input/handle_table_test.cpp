@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/tools/input/ordered.h"
+
 namespace replay {
 namespace {
 
@@ -53,6 +55,11 @@ TEST(HandleTableTest, CloseAllClosesThoseOfOneProcess) {
   EXPECT_EQ(table.Find(1, 0x10), nullptr);
   EXPECT_NE(table.Find(2, 0x10), nullptr);
   table.Close(1, 0x10);  // Nothing happens.
+}
+
+TEST(HandleTableTest, NoChoiceOfIdsOrHandlesMakesItSlow) {
+  EXPECT_TRUE(testing::IsOrdered<HandleTable::Processes>);
+  EXPECT_TRUE(testing::IsOrdered<HandleTable::Handles>);
 }
 
 }  // namespace

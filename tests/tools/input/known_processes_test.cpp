@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/tools/input/ordered.h"
 #include "tests/tools/input/reading.h"
 
 namespace replay::testing {
@@ -98,6 +99,8 @@ TEST_F(KnownProcessesTest, AStartWithoutACreationEntersAnew) {
   processes_.Start({100, 50, "C:\\a.exe", "a.exe"}, 2, events_);
   EXPECT_THAT(NewEvents(), ElementsAre("c003 0 100 a.exe", "c003 0 50 pid 50", "c003 50 100 C:\\a.exe"));
 }
+
+TEST_F(KnownProcessesTest, NoChoiceOfIdsMakesItSlow) { EXPECT_TRUE(IsOrdered<KnownProcesses::Processes>); }
 
 }  // namespace
 }  // namespace replay::testing

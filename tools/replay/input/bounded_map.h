@@ -5,17 +5,21 @@
 
 #include <cstddef>
 #include <deque>
+#include <map>
 #include <string>
-#include <unordered_map>
 #include <utility>
 
 namespace replay {
 
 /// Holds at most `capacity` entries and forgets the key that was added longest ago when another is added. (A key that was
 /// erased and added again may be forgotten a little earlier.)
+///
+/// Ordered, not hashed: a capture chooses the keys, and with keys that share one bucket every look-up would be a walk.
 template <typename Value>
 class BoundedMap {
  public:
+  using Entries = std::map<std::string, Value>;
+
   /// Some tens of megabytes of paths: far more files than a program touches between two looks at the same one.
   static constexpr std::size_t kDefaultCapacity = std::size_t{1} << 17;
 
@@ -52,7 +56,7 @@ class BoundedMap {
 
  private:
   std::size_t capacity_;
-  std::unordered_map<std::string, Value> entries_;
+  Entries entries_;
   std::deque<std::string> order_;  // Keys as they were added, those erased since included: never more than capacity_.
 };
 

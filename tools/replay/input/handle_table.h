@@ -4,19 +4,22 @@
 #define ZT_TOOLS_REPLAY_INPUT_HANDLE_TABLE_H
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 namespace replay {
 
+/// Ordered, not hashed: a capture chooses process ids and handles.
 class HandleTable {
  public:
   struct File {
     std::string name;
     std::uint64_t position = 0;  ///< Where the next read or write starts, in bytes.
   };
+  using Handles = std::map<std::uint64_t, std::shared_ptr<File>>;
+  using Processes = std::map<std::uint64_t, Handles>;
 
   /// `handle` stands for a newly opened file from now on.
   File& Open(std::uint64_t pid, std::uint64_t handle, std::string_view name);
@@ -32,8 +35,7 @@ class HandleTable {
   [[nodiscard]] File* Find(std::uint64_t pid, std::uint64_t handle);
 
  private:
-  using Handles = std::unordered_map<std::uint64_t, std::shared_ptr<File>>;
-  std::unordered_map<std::uint64_t, Handles> processes_;
+  Processes processes_;
 };
 
 }  // namespace replay

@@ -4,9 +4,9 @@
 #define ZT_TOOLS_REPLAY_INPUT_KNOWN_PROCESSES_H
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 
 #include "tools/replay/input/event_queue.h"
 
@@ -34,6 +34,9 @@ class KnownProcesses {
     bool exited = false;
   };
 
+  /// Ordered, not hashed: a capture chooses the ids.
+  using Processes = std::map<std::uint64_t, Process>;
+
   /// The process that acts in a row, entered at `time` when it is not known: when the id is new, or when it had another
   /// program's name before. The reference holds until another process is entered. REQUIRES: a pid other than 0.
   Process& See(const SeenProcess& seen, std::int64_t time, EventQueue& events);
@@ -51,7 +54,7 @@ class KnownProcesses {
   Process& Enter(std::uint64_t pid, std::uint64_t parent_pid, std::string_view image, std::int64_t time, EventQueue& events);
   Process& Register(std::uint64_t pid, std::uint64_t parent_pid, std::string_view image);
 
-  std::unordered_map<std::uint64_t, Process> processes_;
+  Processes processes_;
   std::uint64_t generations_ = 0;
 };
 

@@ -1,8 +1,8 @@
 #include "tools/replay/input/procmon_mapping.h"
 
+#include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
 
 #include "tools/replay/input/file_names.h"
 #include "tools/replay/input/procmon_facts.h"
@@ -47,7 +47,7 @@ void ProcmonMapping::Map(const ProcmonRow& row) {
 }
 
 ProcmonMapping::Handler ProcmonMapping::HandlerFor(std::string_view operation) {
-  static const std::unordered_map<std::string_view, Handler> kHandlers = {
+  static const std::map<std::string_view, Handler> kHandlers = {
       {"CreateFile", &ProcmonMapping::Open},
       {"IRP_MJ_CREATE", &ProcmonMapping::Open},
       {"ReadFile", &ProcmonMapping::Read},

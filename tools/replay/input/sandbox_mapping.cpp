@@ -1,7 +1,7 @@
 #include "tools/replay/input/sandbox_mapping.h"
 
+#include <map>
 #include <string>
-#include <unordered_map>
 
 #include "tools/replay/input/file_names.h"
 #include "tools/replay/input/row_error.h"
@@ -53,7 +53,7 @@ void SandboxMapping::Map(const SandboxCall& call) {
 }
 
 SandboxMapping::Handler SandboxMapping::HandlerFor(std::string_view api) {
-  static const std::unordered_map<std::string_view, Handler> kHandlers = {
+  static const std::map<std::string_view, Handler> kHandlers = {
       {"NtCreateFile", &SandboxMapping::Open},
       {"NtOpenFile", &SandboxMapping::Open},
       {"NtReadFile", &SandboxMapping::Read},
