@@ -14,12 +14,12 @@ namespace {
 using PathSet = std::set<std::u16string_view>;
 
 /// The images of the suspicious members of the family of `key`: a malicious program is never handed back for restoring.
-std::vector<ZtText> SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key) {
+std::vector<ZtText> SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key, FinalStateVisitor& visitor) {
   std::vector<ZtText> images;
   for (const ProcessTree::Entry* member : ProcessFamily(engine.Tree, engine.Tree.FamilyRoot(key, engine.ScoreWalkLimit))) {
     if (IsSuspicious(member->Item)) {
       images.emplace_back(member->Item.ImagePath);
-      ZT_TRACE_DEBUG_AT(1296, "Not restoring %ws", member->Item.ImagePath.c_str());
+      visitor.OnExcludedImage(member->Item.ImagePath);
     }
   }
   return images;
@@ -32,14 +32,13 @@ void TellFiles(const ZT_PID_ITEM& process, PathSet& excluded, FinalStateVisitor&
   for (const auto& [key, file] : process.files) {
     if (file.Similar && excluded.insert(file.Path.Units()).second) {
       visitor.OnFile(key, file, IsRestored(file));
-      ZT_TRACE_DEBUG_AT(1313, "%ws will get restored", file.Path.Wide().c_str());
     } else {
-      ZT_TRACE_DEBUG_AT(1316, "%ws will not get restored", file.Path.Wide().c_str());
+      visitor.OnFileLeftOut(file);
     }
   }
 }
 
-/// Copies what it is told to where the host wants it.
+/// Copies what it is told to where the host wants it, and traces it.
 class CopyForHost : public FinalStateVisitor {
  public:
   CopyForHost(std::uint32_t engine_id, std::map<std::wstring, ZT_FILE_ITEM_PUBLIC>& files, std::vector<std::wstring>& paths)
@@ -56,6 +55,17 @@ class CopyForHost : public FinalStateVisitor {
     item.Restore = restored ? 1 : 0;
     item.Context = file.Context;
     files_.insert_or_assign(key, std::move(item));
+    ZT_TRACE_DEBUG_AT(1313, "%ws will get restored", file.Path.Wide().c_str());
+  }
+  void OnKey(const ZtProcKey& key) override {
+    ZT_TRACE_DEBUG_AT(1283, "ZtGetFinalStateFileByPid:: Pid:%ld Time:%lld", Trace32(key.Pid), Trace64(key.Time));
+  }
+  void OnExcludedImage(const std::wstring& image) override { ZT_TRACE_DEBUG_AT(1296, "Not restoring %ws", image.c_str()); }
+  void OnMissingProcess(const ZtProcKey& key) override {
+    ZT_TRACE_WARNING_AT(1321, "%ld does not exist in the tree", Trace32(key.Pid));
+  }
+  void OnFileLeftOut(const ZT_FILE_ITEM& file) override {
+    ZT_TRACE_DEBUG_AT(1316, "%ws will not get restored", file.Path.Wide().c_str());
   }
 
  private:
@@ -69,12 +79,11 @@ class CopyForHost : public FinalStateVisitor {
 void TellFinalState(const _ZtEngineCore& engine, std::uint64_t pid, FinalStateVisitor& visitor) {
   const std::int64_t* start_time = engine.FindStartTime(pid);
   const ZtProcKey key = {pid, start_time == nullptr ? 0 : *start_time};
-  ZT_TRACE_DEBUG_AT(1283, "ZtGetFinalStateFileByPid:: Pid:%ld Time:%lld", Trace32(key.Pid), Trace64(key.Time));
+  visitor.OnKey(key);
   const ProcessTree::Entry* process = engine.Tree.Find(key);
-  const std::vector<ZtText> images = SuspiciousImages(engine, key);
+  const std::vector<ZtText> images = SuspiciousImages(engine, key, visitor);
   if (process == nullptr) {
-    ZT_TRACE_WARNING_AT(1321, "%ld does not exist in the tree", Trace32(key.Pid));
-    return;
+    return visitor.OnMissingProcess(key);
   }
   PathSet excluded;
   for (const ZtText& image : images) {

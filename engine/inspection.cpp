@@ -37,4 +37,20 @@ bool VisitFinalState(std::shared_ptr<void>& engine, std::uint64_t pid, FinalStat
   return true;
 }
 
+std::map<std::uint64_t, std::wstring> SuspiciousFamily(std::shared_ptr<void>& engine, std::uint64_t pid) {
+  std::map<std::uint64_t, std::wstring> images;
+  const auto core = AcquireEngine(engine);
+  const std::int64_t* time = core ? core->FindStartTime(pid) : nullptr;
+  if (time == nullptr) {
+    return images;
+  }
+  for (const ProcessTree::Entry* member :
+       ProcessFamily(core->Tree, core->Tree.FamilyRoot({pid, *time}, core->ScoreWalkLimit))) {
+    if (IsSuspicious(member->Item)) {
+      images.insert_or_assign(member->Item.Pid, member->Item.ImagePath);
+    }
+  }
+  return images;
+}
+
 }  // namespace zt

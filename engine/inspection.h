@@ -5,7 +5,9 @@
 #define ZT_ENGINE_INSPECTION_H
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "zteng/zteng.h"
@@ -86,15 +88,26 @@ class FinalStateVisitor {
   FinalStateVisitor& operator=(const FinalStateVisitor&) = delete;
   virtual ~FinalStateVisitor() = default;
 
-  /// The process's quarantine list; called once, first, for a process that is in the tree.
+  /// The process's quarantine list; called once, before any file, for a process that is in the tree.
   virtual void OnQuarantine(const ZtPathList& list) = 0;
   /// One file that the report has, in the order of keys. `restored` is its restore flag.
   virtual void OnFile(const std::wstring& key, const ZT_FILE_ITEM& file, bool restored) = 0;
+
+  /// What is not in the report but in the trace of the export, where it comes about: the key that is asked for, the images that
+  /// are not handed back, a process that is not in the tree, a file that the report leaves out.
+  virtual void OnKey(const ZtProcKey& /*key*/) {}
+  virtual void OnExcludedImage(const std::wstring& /*image*/) {}
+  virtual void OnMissingProcess(const ZtProcKey& /*key*/) {}
+  virtual void OnFileLeftOut(const ZT_FILE_ITEM& /*file*/) {}
 };
 
-/// Tells `visitor` the final state of the newest process under `pid`, with the trace lines of the export. Takes the engine's
-/// lock. False, with nothing told, where the export gives 0.
+/// Tells `visitor` the final state of the newest process under `pid`; traces nothing. Takes the engine's lock. False, with
+/// nothing told, where the export gives 0.
 bool VisitFinalState(std::shared_ptr<void>& engine, std::uint64_t pid, FinalStateVisitor& visitor);
+
+/// What ZtGetProcTree gives of the newest process under `pid`: the ids of the suspicious members of its family with their
+/// images. Traces nothing and does not enter an unknown id. REQUIRES: no other call on the engine runs.
+std::map<std::uint64_t, std::wstring> SuspiciousFamily(std::shared_ptr<void>& engine, std::uint64_t pid);
 
 }  // namespace zt
 

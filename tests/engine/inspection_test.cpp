@@ -17,6 +17,7 @@
 #include "engine/transition_table.h"
 #include "tests/support/engine_test.h"
 #include "tests/support/state_dump.h"
+#include "tests/support/trace_capture.h"
 
 namespace zt::testing {
 namespace {
@@ -289,6 +290,29 @@ TEST_F(InspectionTest, FinalStateIsToldFileByFileInTheOrderOfKeys) {
   EXPECT_TRUE(VisitFinalState(engine_, 1, recorder));
   EXPECT_EQ(recorder.told,
             (std::vector<std::wstring>{L"list 1", L"c:\\d\\a.doc = c:\\d\\a.doc!", L"c:\\d\\b.doc = C:\\D\\B.doc"}));
+}
+
+TEST_F(InspectionTest, TheFamilyIsThatOfTheQueryForHosts) {
+  ItemOf(1)->Score = 2;
+  std::map<void*, std::wstring> procs;
+  ZtGetProcTree(engine_, Handle(1), procs);
+  ASSERT_EQ(procs.size(), 1U);
+  EXPECT_EQ(SuspiciousFamily(engine_, 1), (std::map<std::uint64_t, std::wstring>{{1, procs[Handle(1)]}}));
+}
+
+TEST_F(InspectionTest, QuestionsLeaveNoTraceAndNothingInTheEngine) {
+  ItemOf(1)->Score = 2;
+  Track(1, L"c:\\d\\a.doc", ZT_OVERWRITE).Similar = true;
+  Track(1, L"c:\\d\\b.doc", ZT_OVERWRITE);
+  const std::string before = DumpState(core());
+  TraceCapture trace(7);
+  FinalStateRecorder recorder;
+  for (const std::uint64_t pid : {1U, 77U}) {
+    EXPECT_TRUE(VisitFinalState(engine_, pid, recorder));
+    EXPECT_EQ(SuspiciousFamily(engine_, pid).size(), pid == 1 ? 1U : 0U);
+  }
+  EXPECT_TRUE(trace.TakeMessages().empty());
+  EXPECT_EQ(DumpState(core()), before);
 }
 
 TEST_F(InspectionTest, FinalStateOfAnUnknownProcessIsNothing) {

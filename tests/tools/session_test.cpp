@@ -6,7 +6,9 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "tests/support/trace_capture.h"
 #include "tests/tools/calls.h"
 
 namespace replay {
@@ -225,6 +227,55 @@ TEST_F(SessionTest, AForcedScoreCanReachTheAlarm) {
   ASSERT_TRUE(TheProcess().alarm);
   EXPECT_EQ(TheProcess().alarm->number, 2U);
   EXPECT_EQ(TheProcess().alarm->time, 1000);  // Of the last event: the call has no time.
+}
+
+/// What is traced, without the lines of time that differ from run to run.
+std::vector<std::string> Steady(std::vector<std::string> messages) {
+  std::erase_if(messages, [](const std::string& message) { return message.starts_with("Time past: "); });
+  return messages;
+}
+
+TEST_F(SessionTest, TheTraceIsThatOfTheCapturesCalls) {
+  std::vector<Call> calls;
+  const auto add = [&](Call call) {
+    call.number = calls.size() + 1;
+    call.record.Time = static_cast<std::int64_t>(call.number) * 1000;
+    calls.push_back(call);
+  };
+  const auto overwrite = [&](const std::wstring& path) {
+    add(Insert(0, zt::testing::Open(50, path), 0));
+    add(Insert(0, zt::testing::Read(50, path), 0));
+    add(Insert(0, zt::testing::Write(50, path), 0));
+  };
+  add(Insert(0, ProcessCreate(4, 50, 0, L"C:\\old.exe"), 0));
+  overwrite(L"C:\\Docs\\Alpha.doc");
+  add(Reset(0, 0, kNever));
+  add(Insert(0, ProcessExit(50), 0));
+  add(Reset(0, 0, kNever));
+  add(Insert(0, ProcessCreate(4, 50, 0, L"C:\\new.exe"), 0));
+  overwrite(L"C:\\Docs\\Beta.doc");
+
+  zt::testing::TraceCapture trace(7);
+  std::shared_ptr<void> engine;
+  ZtInitEngineCore(engine, options_.engine_id);
+  for (const Call& call : calls) {
+    if (call.kind == CallKind::kInsertLog) {
+      ZtInsertLog(engine, &call.record);
+    } else {
+      ZtResetScore(engine, call.now, call.score_age_limit);
+    }
+  }
+  ZtCleanupEngineCore(engine);
+  const std::vector<std::string> of_calls = Steady(trace.TakeMessages());
+  ASSERT_THAT(of_calls, ::testing::Contains(HasSubstr("SCORE INCREASED")));
+
+  for (const Call& call : calls) {
+    session().Feed(call);
+  }
+  session().Finish();
+  ASSERT_TRUE(session().ledger().records().front().final_answer);
+  session_.reset();
+  EXPECT_EQ(Steady(trace.TakeMessages()), of_calls);
 }
 
 }  // namespace

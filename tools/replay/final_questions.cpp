@@ -1,10 +1,7 @@
 #include "tools/replay/final_questions.h"
 
-#include <map>
 #include <string>
 #include <utility>
-
-#include "tools/replay/handles.h"
 
 namespace replay {
 namespace {
@@ -88,12 +85,7 @@ void FinalQuestions::AskFamily(ProcessRecord& record) {
   if (record.family && !IsSuspiciousScore(record.score)) {
     return;
   }
-  std::map<void*, std::wstring> members;
-  ZtGetProcTree(engine_, HandleFromPid(record.key.Pid), members);
-  record.family.emplace();
-  for (const auto& [pid, image] : members) {
-    record.family->emplace(PidFromHandle(pid), image);
-  }
+  record.family = zt::SuspiciousFamily(engine_, record.key.Pid);
 }
 
 }  // namespace replay

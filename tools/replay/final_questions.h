@@ -10,8 +10,11 @@
 
 namespace replay {
 
-/// The exports answer for the newest process of an id, and only while the engine keeps it. So a process is asked about at the
+/// The engine answers for the newest process of an id, and only while the engine keeps it. So a process is asked about at the
 /// end of the capture, or before its id goes to a new process, or, once it has exited, before each reset, which may remove it.
+///
+/// The questions are the tool's own: they leave no line in the trace, which is that of the capture's calls, and nothing in the
+/// engine.
 ///
 /// The family is asked before each reset too: a reset takes the scores away that make its members suspicious. An answer that
 /// was given while the process itself was suspicious is not replaced by one given when it no longer was.
