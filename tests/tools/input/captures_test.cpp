@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -38,6 +39,7 @@ struct Gathered {
   std::uint64_t events = 0;
   std::map<std::uint32_t, std::uint64_t> codes;
   std::uint64_t opens_of_new = 0;
+  std::uint64_t largest_opened = 0;             // The largest size with which a file was opened.
   std::map<std::uint64_t, std::string> images;  // Of created processes.
   std::map<std::uint64_t, std::uint64_t> parents;
   std::set<std::string> renamed;      // Sources of renames to the same name with ".ecc", in lower case.
@@ -58,6 +60,9 @@ void Gathered::Take(const Call& call) {
   const std::string file = target.substr(0, target.find('|'));
   if (record.Behavior == BehaviorCreate && record.TargetPid == 0) {
     ++opens_of_new;
+  }
+  if (record.Behavior == BehaviorCreate) {
+    largest_opened = std::max<std::uint64_t>(largest_opened, record.TargetPid);
   }
   if (record.Behavior == BehaviorCreate && record.TargetPid != 0 && record.Pid == 2148) {
     opened_.insert(file);
@@ -147,6 +152,7 @@ TEST(CapturesTest, ADesktopInUse) {
               ElementsAre(Pair(0x4001, 665), Pair(0x4003, 1376), Pair(0x4004, 301), Pair(0x4005, 7), Pair(0x4007, 33),
                           Pair(0x4008, 153), Pair(0xC001, 147), Pair(0xC002, 2), Pair(0xC003, 32)));
   EXPECT_EQ(run.opens_of_new, 25U);
+  EXPECT_EQ(run.largest_opened, 18546688U);  // StaticCache.dat of the fonts; a date of a query is no size.
   EXPECT_EQ(run.counts.skipped.at("registry access"), 46030U);
   EXPECT_EQ(run.counts.skipped.at("close"), 944U);
   EXPECT_EQ(run.counts.skipped.at("section released"), 146U);

@@ -93,7 +93,20 @@ TEST(ProcmonDetailTest, NumbersOfEveryLocale) {
       {__LINE__, "18,446,744,073,709,551,615", 18446744073709551615U},
       {__LINE__, "18,446,744,073,709,551,616", std::nullopt},
       {__LINE__, "-1", 18446744073709551615U},
+      {__LINE__, "1234567", 1234567},  // No separators
+      {__LINE__, "-4,096", 0 - std::uint64_t{4096}},
       {__LINE__, "n/a", std::nullopt},
+      {__LINE__, "-", std::nullopt},
+      {__LINE__, "1/1/1601 12:00:00 AM", std::nullopt},  // A size that is printed as a date
+      {__LINE__, "01.01.1601 1:00:00", std::nullopt},
+      {__LINE__, "1601-01-01", std::nullopt},
+      {__LINE__, "1,234,56", std::nullopt},
+      {__LINE__, "1234,567", std::nullopt},
+      {__LINE__, "1,234.567", std::nullopt},
+      {__LINE__, "1,,234", std::nullopt},
+      {__LINE__, "1,234,", std::nullopt},
+      {__LINE__, ",234", std::nullopt},
+      {__LINE__, "4,096 KB", std::nullopt},
       {__LINE__, "", std::nullopt},
   };
   for (const NumberCase& c : cases) {

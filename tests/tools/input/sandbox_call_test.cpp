@@ -43,8 +43,15 @@ TEST(SandboxCallTest, PositionsAreLittleEndianNumbers) {
   EXPECT_EQ(DecodeNumber("\\0\\0\\0\\0\\0\\0\\0\\0"), 0U);
 }
 
-TEST(SandboxCallTest, OtherThanEightBytesAreNoPosition) {
-  for (const char* text : {"", "\\x00", R"(\x00\x00\x00\x00\x00\x00\x00\x00\x00)"}) {
+TEST(SandboxCallTest, OfMoreThanEightBytesTheFirstEightArePositions) {
+  EXPECT_EQ(DecodeNumber("\\x00\\xbe\\x02\\x00\\x00\\x00\\x00\\x00\\xff"), 0x2BE00U);
+  for (const std::size_t more : {70U, 79U}) {
+    EXPECT_EQ(DecodeNumber("0\\x00\\x00\\x00\\x00\\x00\\x00\\x00" + std::string(more, 'x')), 0x30U);
+  }
+}
+
+TEST(SandboxCallTest, FewerThanEightBytesAreNoPosition) {
+  for (const char* text : {"", "\\x00", R"(\x00\x00\x00\x00\x00\x00\x00)"}) {
     EXPECT_THROW(DecodeNumber(text), RowError) << text;
   }
 }

@@ -48,6 +48,34 @@ std::size_t NextKey(std::string_view text, const DetailKeys& keys) {
   return std::min(comma, text.size());
 }
 
+constexpr std::size_t kGroup = 3;  // Digits of a group; but for the last some locales have two.
+
+std::size_t DigitsAt(std::string_view text) {
+  return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), IsDigit) - text.begin());
+}
+
+// What stands between groups of digits: one character of those that locales use, or all up to the next ASCII character.
+std::string_view SeparatorAt(std::string_view text) {
+  constexpr std::string_view kSeparators = ",.' ";
+  if (!text.empty() && kSeparators.find(text.front()) != std::string_view::npos) {
+    return text.substr(0, 1);
+  }
+  const auto* const end = std::find_if(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  return text.substr(0, static_cast<std::size_t>(end - text.begin()));
+}
+
+// The number with further digits behind it, or nothing where 64 bits do not hold it.
+std::optional<std::uint64_t> Appended(std::uint64_t number, std::string_view digits) {
+  for (const char c : digits) {
+    const auto digit = static_cast<std::uint64_t>(c - '0');
+    if (number > (std::numeric_limits<std::uint64_t>::max() - digit) / 10) {
+      return std::nullopt;
+    }
+    number = number * 10 + digit;
+  }
+  return number;
+}
+
 }  // namespace
 
 const DetailKeys kCreateFileKeys = {kCreateFile};
@@ -91,24 +119,29 @@ bool HasItem(std::string_view list, std::string_view item) {
 }
 
 std::optional<std::uint64_t> GroupedNumber(std::string_view text) {
-  constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
-  std::uint64_t number = 0;
-  bool any = false;
-  for (const char c : text) {
-    if (!IsDigit(c)) {
-      continue;
-    }
-    const auto digit = static_cast<std::uint64_t>(c - '0');
-    if (number > (kMost - digit) / 10) {
-      return std::nullopt;
-    }
-    number = number * 10 + digit;
-    any = true;
-  }
-  if (!any) {
+  const bool negative = text.starts_with('-');
+  text.remove_prefix(negative ? 1 : 0);
+  const std::size_t first = DigitsAt(text);
+  std::optional<std::uint64_t> number = Appended(0, text.substr(0, first));
+  text.remove_prefix(first);
+  const std::string_view separator = SeparatorAt(text);
+  if (first == 0 || (!text.empty() && first > kGroup)) {
     return std::nullopt;
   }
-  return text.starts_with('-') ? 0 - number : number;
+  while (number && !text.empty()) {
+    if (separator.empty() || !text.starts_with(separator)) {
+      return std::nullopt;
+    }
+    text.remove_prefix(separator.size());
+    const std::size_t digits = DigitsAt(text);
+    const bool last = digits == text.size();
+    if (digits > kGroup || digits < (last ? kGroup : kGroup - 1)) {
+      return std::nullopt;
+    }
+    number = Appended(*number, text.substr(0, digits));
+    text.remove_prefix(digits);
+  }
+  return number && negative ? 0 - *number : number;
 }
 
 }  // namespace replay

@@ -33,9 +33,10 @@ std::optional<std::string_view> DetailValue(std::string_view detail, std::string
 /// Whether `item` is one of the items of a list "a, b, c" as a whole.
 bool HasItem(std::string_view list, std::string_view item);
 
-/// An integer with the thousands separators of any locale: all that is no digit is dropped. A minus sign in front counts
-/// (writes to the end of a file have the offset -1) and gives the two's complement. Nothing where there is no digit or more
-/// than 64 bits hold.
+/// An integer with the thousands separators of any locale: "1,234,567". Between groups of two or three digits, the last of
+/// three, stands one comma, full stop, apostrophe, space or character beyond ASCII, everywhere the same. A minus sign in front
+/// (writes to the end of a file have the offset -1) gives the two's complement. Nothing where the text is something else, such
+/// as a date, or more than 64 bits hold.
 std::optional<std::uint64_t> GroupedNumber(std::string_view text);
 
 }  // namespace replay

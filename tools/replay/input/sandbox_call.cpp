@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <utility>
 
 #include "tools/replay/input/ascii.h"
 #include "tools/replay/input/file_names.h"
@@ -214,13 +215,15 @@ std::optional<std::uint64_t> NumberAt(std::string_view bytes, std::size_t offset
 
 std::uint64_t DecodeNumber(std::string_view text) {
   std::string bytes = DecodeStructure(text);
-  if (bytes.size() != 8) {
-    bytes = Decode(text, true);
+  if (bytes.size() > 8) {
+    if (std::string decoded = Decode(text, true); decoded.size() == 8) {
+      bytes = std::move(decoded);
+    }
   }
-  if (bytes.size() != 8) {
-    throw RowError("the argument \"FileInformation\" does not hold eight bytes");
+  if (const auto number = NumberAt(bytes, 0)) {
+    return *number;
   }
-  return *NumberAt(bytes, 0);
+  throw RowError("the argument \"FileInformation\" does not hold eight bytes");
 }
 
 }  // namespace replay

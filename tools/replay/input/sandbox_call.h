@@ -77,8 +77,8 @@ std::string DecodeStructure(std::string_view text);
 /// The 64-bit little-endian number at `offset`, or nothing where the bytes end before.
 std::optional<std::uint64_t> NumberAt(std::string_view bytes, std::size_t offset);
 
-/// A structure of one 64-bit number. Where the bytes are too many, full C escapes ("\\", "\n", "\0") are tried. Throws
-/// RowError.
+/// A structure that begins with a 64-bit number: some sandboxes log the whole buffer, of which the structure is the start.
+/// Where the bytes are more than eight, but eight with full C escapes ("\\", "\n", "\0"), these are meant. Throws RowError.
 std::uint64_t DecodeNumber(std::string_view text);
 
 }  // namespace replay
