@@ -52,7 +52,9 @@ void OutputFile::OpenBeside() {
   }
   std::random_device random;
   const fs::path beside = target_.parent_path() / fmt::format(".ztreplay-{:08x}{:08x}.tmp", random(), random());
-  stream_.reset(std::fopen(beside.string().c_str(), "wbx"));
+  // Before the file is there, so that there is no moment in which an interruption leaves it.
+  removal_.emplace(beside);
+  stream_.reset(zt::CreateTemporaryFile(beside));
   if (stream_) {
     temporary_ = beside;
   }

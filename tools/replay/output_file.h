@@ -6,9 +6,12 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+
+#include "platform/temporary_file.h"
 
 namespace replay {
 
@@ -19,8 +22,8 @@ class OutputError : public std::runtime_error {
 };
 
 /// One output. A file is written under another name in the same folder and takes its own name, replacing what stood there, when
-/// it is committed; without that it leaves nothing behind. Standard output ("-") and what is no regular file, such as a device
-/// or a named pipe, are written directly.
+/// it is committed; without that it leaves nothing behind, also where the process is interrupted. Standard output ("-") and
+/// what is no regular file, such as a device or a named pipe, are written directly.
 class OutputFile {
  public:
   /// Opens the output. Throws OutputError.
@@ -44,9 +47,10 @@ class OutputFile {
   void OpenBeside();
   [[noreturn]] void Fail() const;
 
-  std::string name_;                 ///< For messages.
-  std::filesystem::path target_;     ///< The file's own name; empty for standard output.
-  std::filesystem::path temporary_;  ///< Where it is written meanwhile; empty when it is written directly.
+  std::string name_;                               ///< For messages.
+  std::filesystem::path target_;                   ///< The file's own name; empty for standard output.
+  std::filesystem::path temporary_;                ///< Where it is written meanwhile; empty when it is written directly.
+  std::optional<zt::RemovalOnInterrupt> removal_;  ///< Of the temporary file.
   std::unique_ptr<std::FILE, CloseUnlessStandard> stream_;
 };
 

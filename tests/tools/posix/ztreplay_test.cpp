@@ -1,7 +1,13 @@
-// What the program does where an output fails while it is written: devices and pipes of this kind of system provide that.
+// What the program does where an output fails while it is written, or where it is interrupted: devices, pipes and signals of
+// this kind of system provide that.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <string>
 
 #include "tests/tools/program.h"
@@ -57,6 +63,31 @@ TEST_F(FailingOutputTest, AReaderThatGoesAwayIsAFailedOutput) {
   EXPECT_EQ(folder_.Read("status"), "2\n");
   EXPECT_EQ(run.err, "standard output: Broken pipe\n");
   EXPECT_FALSE(folder_.Has("events"));
+}
+
+TEST(InterruptedTest, LeavesNoFileBehind) {
+  const ScratchFolder folder;
+  const std::string script = ScriptPath("overwrite_in_place.jsonl");
+  const std::string events = folder.Path("events");
+  // Pipes with names: opening one for writing waits for whoever reads it. The second is never read, so no run gets past it.
+  const std::string explain = folder.Path("explain");
+  const std::string list = folder.Path("list");
+  ASSERT_EQ(mkfifo(explain.c_str(), S_IRUSR | S_IWUSR), 0);
+  ASSERT_EQ(mkfifo(list.c_str(), S_IRUSR | S_IWUSR), 0);
+  const pid_t child = fork();
+  if (child == 0) {
+    execl(ZTREPLAY_PROGRAM, ZTREPLAY_PROGRAM, script.c_str(), "--events", events.c_str(), "--explain", explain.c_str(),
+          "--restore-list", list.c_str(), nullptr);
+    _exit(127);
+  }
+  const int reader = open(explain.c_str(), O_RDONLY | O_CLOEXEC);
+  EXPECT_EQ(folder.Size(), 3U);  // The pipes, and the events under their other name.
+  EXPECT_EQ(kill(child, SIGINT), 0);
+  int status = 0;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status;
+  EXPECT_EQ(folder.Size(), 2U);
+  close(reader);
 }
 
 }  // namespace
