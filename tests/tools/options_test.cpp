@@ -131,6 +131,16 @@ TEST(ParseOptions, RefusesBadUse) {
   }
 }
 
+TEST(ParseOptions, ShowsNothingOfTheCommandLineThatSteersATerminal) {
+  EXPECT_EQ(Refused({"c", "d\x1B[31m\xE2\x80\xAE\n"}),
+            "ztreplay: The following argument was not expected: d\xEF\xBF\xBD[31m\xEF\xBF\xBD\xEF\xBF\xBD\n"
+            "ztreplay --help tells more.\n");
+  for (const std::vector<const char*>& arguments : std::vector<std::vector<const char*>>{
+           {"c", "--format", "\x1B[31m"}, {"c", "--alarm", "\x1B[31m"}, {"c", "--\x1B[31m"}}) {
+    EXPECT_THAT(Refused(arguments), ::testing::Not(HasSubstr("\x1B"))) << ::testing::PrintToString(arguments);
+  }
+}
+
 TEST(ParseOptions, AnswersHelpAndVersion) {
   const auto help = Parse({"--help"});
   ASSERT_TRUE(std::holds_alternative<Reply>(help));

@@ -30,6 +30,70 @@ TEST(PlainUtf8, ReplacesControlCharacters) {
   EXPECT_EQ(PlainUtf8(std::wstring{0x7F, 0x9B, 0xA0}), replacement + replacement + "\xC2\xA0");
 }
 
+// One of each kind, as a capture may name a file.
+struct NotShown {
+  const char* text;
+  const char* json;
+};
+constexpr NotShown kNotShown[] = {
+    {"\x7F", "\\u007f"},                     // DEL
+    {"\xC2\x80", "\\u0080"},                 // the first of C1
+    {"\xC2\x9B", "\\u009b"},                 // the escape sequence introducer of C1
+    {"\xC2\x9F", "\\u009f"},                 // the last of C1
+    {"\xD8\x9C", "\\u061c"},                 // Arabic letter mark
+    {"\xE2\x80\x8B", "\\u200b"},             // zero-width space
+    {"\xE2\x80\x8E", "\\u200e"},             // left-to-right mark
+    {"\xE2\x80\x8F", "\\u200f"},             // right-to-left mark
+    {"\xE2\x80\xA8", "\\u2028"},             // line separator
+    {"\xE2\x80\xA9", "\\u2029"},             // paragraph separator
+    {"\xE2\x80\xAA", "\\u202a"},             // embedding
+    {"\xE2\x80\xAE", "\\u202e"},             // right-to-left override
+    {"\xE2\x81\xA6", "\\u2066"},             // isolate
+    {"\xE2\x81\xA9", "\\u2069"},             // end of an isolate
+    {"\xEF\xBB\xBF", "\\ufeff"},             // byte order mark
+    {"\xF3\xA0\x80\x81", "\\udb40\\udc01"},  // language tag U+E0001
+};
+
+TEST(ShownText, ReplacesWhatIsNotSeenOrSteersTheTerminal) {
+  for (const NotShown& character : kNotShown) {
+    EXPECT_EQ(ShownText(std::string("a") + character.text + "b"),
+              "a\xEF\xBF\xBD"
+              "b")
+        << character.json;
+  }
+  EXPECT_EQ(ShownText("a\x1B[31m\r\nb"),
+            "a\xEF\xBF\xBD[31m\xEF\xBF\xBD\xEF\xBF\xBD"
+            "b");
+  EXPECT_EQ(ShownText(std::wstring{L'a', 0x202E, L'b', 0xD83D}),
+            "a\xEF\xBF\xBD"
+            "b\xEF\xBF\xBD");
+}
+
+TEST(ShownText, ReplacesBytesThatAreNoUtf8) {
+  EXPECT_EQ(ShownText("a\x9B"
+                      "b"),
+            "a\xEF\xBF\xBD"
+            "b");                                  // C1 as a byte of its own
+  EXPECT_EQ(ShownText("a\xC3"), "a\xEF\xBF\xBD");  // a sequence that was cut
+  EXPECT_EQ(ShownText(std::string("a\0b", 3)),
+            "a\xEF\xBF\xBD"
+            "b");
+}
+
+TEST(ShownText, KeepsWhatIsSeen) {
+  for (const char* text : {"", "C:\\Docs\\a b~.txt", "\xC2\xA0", "\xD7\x99\xD7\x95", "\xE6\x97\xA5", "\xF0\x9F\x98\x80"}) {
+    EXPECT_EQ(ShownText(std::string_view(text)), text);
+  }
+}
+
+TEST(ShownJson, EscapesWhatIsNotSeen) {
+  for (const NotShown& character : kNotShown) {
+    EXPECT_EQ(ShownJson(std::string("\"") + character.text + "\""), std::string("\"") + character.json + "\"");
+    EXPECT_EQ(JsonString(std::string_view(character.text)), std::string("\"") + character.json + "\"");
+  }
+  EXPECT_EQ(ShownJson("{\"\xE6\x97\xA5\":1}"), "{\"\xE6\x97\xA5\":1}");
+}
+
 TEST(JsonString, EscapesWhatJsonWantsEscaped) {
   EXPECT_EQ(JsonString(std::wstring_view(L"C:\\a\"b\n")), "\"C:\\\\a\\\"b\\n\"");
   EXPECT_EQ(JsonString(std::string_view("plain")), "\"plain\"");

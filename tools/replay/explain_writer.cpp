@@ -90,7 +90,7 @@ void ExplainWriter::Write(const CallReports& reports, std::uint64_t number, std:
     }
   }
   AddSimilarFile(line, reports, stepped);
-  sink_(line.dump() + "\n");
+  sink_(ShownJson(line.dump()) + "\n");
 }
 
 }  // namespace replay

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "tools/replay/event_time.h"
+#include "tools/replay/text.h"
 
 namespace replay {
 namespace {
@@ -143,7 +144,7 @@ void CheckOutputs(const Options& options) {
 }
 
 Reply BadUse(const std::string& what) {
-  return {ExitStatus::kFailure, fmt::format("ztreplay: {}\nztreplay --help tells more.\n", what)};
+  return {ExitStatus::kFailure, fmt::format("ztreplay: {}\nztreplay --help tells more.\n", ShownText(what))};
 }
 
 }  // namespace

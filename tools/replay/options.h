@@ -45,7 +45,7 @@ struct Options {
 /// An answer instead of a replay: help, version, or what is wrong with the command line.
 struct Reply {
   ExitStatus status = ExitStatus::kQuiet;
-  std::string text;  ///< With its line end. Belongs on standard error when the status is kFailure.
+  std::string text;  ///< With its line end, fit for a terminal. Belongs on standard error when the status is kFailure.
 };
 
 /// Reads the command line. Looks at files only to refuse outputs that would overwrite each other or the capture.

@@ -13,11 +13,20 @@ namespace replay {
 /// UTF-16 code units, one in each element, as UTF-8. A surrogate without its partner becomes U+FFFD.
 std::string Utf8(std::wstring_view units);
 
-/// The same for what people read on a terminal or line by line: a control character becomes U+FFFD too, so that a path from a
-/// capture can neither steer the terminal nor look like two lines.
+/// The same with U+FFFD for control characters too, so that a path is always one line.
 std::string PlainUtf8(std::wstring_view units);
 
-/// `text` as a JSON string with its quotes. Bytes that are no UTF-8 become U+FFFD.
+/// `text` as people may see it on a terminal: U+FFFD stands for each character that would steer the terminal, end the line,
+/// turn the direction of the text or not be seen at all, and for bytes that are no UTF-8. Whatever text of a capture or of the
+/// command line reaches standard output or standard error comes through here, unless it is JSON.
+std::string ShownText(std::string_view text);
+std::string ShownText(std::wstring_view units);
+
+/// The same for JSON: such characters are written as escapes, so that nothing is lost. `json` is JSON in UTF-8 without line
+/// ends. All JSON that the tool writes comes through here.
+std::string ShownJson(std::string json);
+
+/// `text` as a JSON string with its quotes, as ShownJson has it. Bytes that are no UTF-8 become U+FFFD.
 std::string JsonString(std::string_view text);
 std::string JsonString(std::wstring_view units);
 
