@@ -26,7 +26,7 @@ TEST(WriteRestoreList, WritesEachPathOnceAndSorted) {
   Enter(ledger, {1, 1}, true, {L"C:\\b", L"C:\\\u00E9"});
   Enter(ledger, {2, 1}, true, {L"C:\\a", L"C:\\b"});
   testing::Sink sink;
-  WriteRestoreList(ledger, sink.Take());
+  WriteRestoreList(ledger, sink.Take(), false);
   EXPECT_EQ(sink.text, "C:\\a\nC:\\b\nC:\\\xC3\xA9\n");
 }
 
@@ -34,7 +34,7 @@ TEST(WriteRestoreList, LeavesOutWhoDidNotReachTheAlarm) {
   ProcessLedger ledger(64);
   Enter(ledger, {1, 1}, false, {L"C:\\a"});
   testing::Sink sink;
-  WriteRestoreList(ledger, sink.Take());
+  WriteRestoreList(ledger, sink.Take(), false);
   EXPECT_EQ(sink.text, "");
 }
 
@@ -42,10 +42,27 @@ TEST(WriteRestoreList, APathIsOneLine) {
   ProcessLedger ledger(64);
   Enter(ledger, {1, 1}, true, {L"C:\\a\nC:\\b"});
   testing::Sink sink;
-  WriteRestoreList(ledger, sink.Take());
+  WriteRestoreList(ledger, sink.Take(), false);
   EXPECT_EQ(sink.text,
             "C:\\a\xEF\xBF\xBD"
             "C:\\b\n");
+}
+
+TEST(WriteRestoreList, KeepsNamesWholeButOnATerminal) {
+  ProcessLedger ledger(64);
+  Enter(ledger, {1, 1}, true,
+        {L"C:\\a\x202E"
+         L"b\n"});
+  testing::Sink file;
+  WriteRestoreList(ledger, file.Take(), false);
+  EXPECT_EQ(file.text,
+            "C:\\a\xE2\x80\xAE"
+            "b\xEF\xBF\xBD\n");
+  testing::Sink terminal;
+  WriteRestoreList(ledger, terminal.Take(), true);
+  EXPECT_EQ(terminal.text,
+            "C:\\a\xEF\xBF\xBD"
+            "b\xEF\xBF\xBD\n");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <string>
 
 namespace replay {
@@ -19,7 +20,7 @@ bool LookUp(const ZtProcKey& key, zt::ProcessView& process) {
 
 TEST(SummaryJson, HasItsKeysInOrder) {
   Summary summary;
-  summary.capture = "run\xFF.csv";
+  summary.capture = "run\xFF\xC2\x9B.csv";
   summary.alarm = 8;
   summary.read.rows = 12;
   summary.read.skipped = {{"a failed call", 2}};
@@ -37,23 +38,42 @@ TEST(SummaryJson, HasItsKeysInOrder) {
   AddProcesses(summary, ledger);
 
   EXPECT_EQ(SummaryJson(summary),
-            "{\"capture\":\"run\xEF\xBF\xBD.csv\",\"rows_read\":12,\"events_fed\":9,\"other_calls\":1,\"resets\":3,"
-            "\"rows_skipped\":{\"a failed call\":2},\"targets_cut\":1,\"seconds\":0.5,\"events_per_second\":20.0,\"alarm\":8,"
+            "{\"capture\":\"run\xEF\xBF\xBD\\u009b.csv\",\"rows_read\":12,\"events_fed\":9,\"other_calls\":1,\"resets\":3,"
+            "\"rows_skipped\":{\"a failed call\":2},\"targets_cut\":1,\"alarm\":8,"
             "\"alarmed\":[{\"pid\":11,\"start_time\":110,\"image\":\"C:\\\\child.exe\","
             "\"parent\":{\"pid\":10,\"start_time\":100,\"image\":\"C:\\\\parent.exe\"},\"score\":8,\"highest_score\":8,"
-            "\"alarm_event\":5,\"alarm_time\":1500,\"files_damaged_by_alarm\":1,"
+            "\"wrapped_event\":null,\"library_loads\":0,\"role\":\"culprit\",\"alarm_event\":5,\"alarm_time\":1500,\"files_"
+            "damaged_by_alarm\":1,"
             "\"files_to_restore\":7,\"files_overwritten\":2,\"quarantine_paths\":1,"
             "\"family\":[{\"pid\":10,\"image\":\"C:\\\\parent.exe\"},{\"pid\":11,\"image\":\"C:\\\\child.exe\"}]}],"
             "\"suspicious\":[{\"pid\":10,\"start_time\":100,\"image\":\"C:\\\\parent.exe\",\"parent\":null,\"score\":2,"
-            "\"highest_score\":2,\"files_damaged\":1,"
+            "\"highest_score\":2,\"wrapped_event\":null,\"library_loads\":0,\"files_damaged\":1,"
             "\"files_to_restore\":null,\"files_overwritten\":null,\"quarantine_paths\":null,\"family\":[]}]}\n");
+}
+
+TEST(SummaryJson, NamesTheCulpritBeforeThoseChargedThroughIt) {
+  ProcessLedger ledger(8);
+  CallReports reports;
+  reports.scores.push_back({kParent, Cause::kUpdate, 1, 8, 0, {}});
+  ledger.Apply(reports, 1, 1000, LookUp);
+  reports.scores = {{kChild, Cause::kPenalty, 4, 8, 2, L"a"}, {kParent, Cause::kParentPenalty, 0x7FFFFFFF, -2, 2, L"a"}};
+  ledger.Apply(reports, 2, 1000, LookUp);
+  Summary summary;
+  AddProcesses(summary, ledger);
+  const auto alarmed = nlohmann::json::parse(SummaryJson(summary))["alarmed"];
+  ASSERT_EQ(alarmed.size(), 2U);
+  EXPECT_EQ(alarmed[0]["pid"], 11);
+  EXPECT_EQ(alarmed[0]["role"], "culprit");
+  EXPECT_EQ(alarmed[1]["pid"], 10);
+  EXPECT_EQ(alarmed[1]["role"], "charged");
+  EXPECT_EQ(alarmed[1]["wrapped_event"], 2);
 }
 
 TEST(SummaryJson, OfAQuietCaptureHasEmptyLists) {
   EXPECT_EQ(
       SummaryJson(Summary{}),
       "{\"capture\":\"\",\"rows_read\":0,\"events_fed\":0,\"other_calls\":0,\"resets\":0,\"rows_skipped\":{},\"targets_cut\":0,"
-      "\"seconds\":0.0,\"events_per_second\":0.0,\"alarm\":0,\"alarmed\":[],\"suspicious\":[]}\n");
+      "\"alarm\":0,\"alarmed\":[],\"suspicious\":[]}\n");
 }
 
 }  // namespace

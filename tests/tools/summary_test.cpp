@@ -9,8 +9,10 @@ namespace replay {
 namespace {
 
 using Cause = zt::ScoreReport::Cause;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using ::testing::StartsWith;
 
 constexpr ZtProcKey kParent = {10, 100};
 constexpr ZtProcKey kChild = {11, 110};
@@ -51,23 +53,22 @@ class SummaryTest : public ::testing::Test {
 
 TEST_F(SummaryTest, OfAQuietCapture) {
   EXPECT_EQ(Text(),
-            "run.jsonl: 12 rows read, 9 events fed; 0.50 s, 20 events per second\n"
-            "besides: 1 other call\n"
+            "No process reached the alarm (score 8).\n"
             "\n"
-            "No process reached the alarm (score 8).\n");
+            "run.jsonl: 12 rows read, 9 events fed; 0.50 s, 20 events per second\n"
+            "besides: 1 other call\n");
 }
 
 TEST_F(SummaryTest, TellsOfRowsThatWereNoInput) {
   summary_.read.skipped = {{"a registry operation", 3}, {"a failed call", 1}};
   summary_.read.targets_cut = 2;
   summary_.fed.resets = 4;
-  EXPECT_THAT(Text(), HasSubstr("per second\n"
-                                "besides: 1 other call\n"
-                                "resets: 4\n"
-                                "skipped: 1 row: a failed call\n"
-                                "skipped: 3 rows: a registry operation\n"
-                                "cut: 2 paths longer than a record holds\n"
-                                "\n"));
+  EXPECT_THAT(Text(), EndsWith("per second\n"
+                               "besides: 1 other call\n"
+                               "resets: 4\n"
+                               "cut: 2 paths longer than a record holds\n"
+                               "skipped: 1 row: a failed call\n"
+                               "skipped: 3 rows: a registry operation\n"));
 }
 
 TEST_F(SummaryTest, TellsOfProcessesThatReachedTheAlarmAndOfOthers) {
@@ -78,10 +79,9 @@ TEST_F(SummaryTest, TellsOfProcessesThatReachedTheAlarmAndOfOthers) {
   child.family = {{{10, L"C:\\parent.exe"}, {11, L"C:\\chi\x1Bld.exe"}}};
   ledger_.Find(kParent)->family.emplace();
   EXPECT_EQ(Text(),
-            "run.jsonl: 12 rows read, 9 events fed; 0.50 s, 20 events per second\n"
-            "besides: 1 other call\n"
+            "1 process reached the alarm (score 8).\n"
             "\n"
-            "1 process reached the alarm (score 8):\n"
+            "The culprit, to be stopped with its descendants:\n"
             "\n"
             "  C:\\chi\xEF\xBF\xBDld.exe\n"
             "    process id  11\n"
@@ -101,18 +101,68 @@ TEST_F(SummaryTest, TellsOfProcessesThatReachedTheAlarmAndOfOthers) {
             "    score       2\n"
             "    damaged     1 file\n"
             "    to restore  not known\n"
-            "    family      none suspicious\n");
+            "    family      none suspicious\n"
+            "\n"
+            "run.jsonl: 12 rows read, 9 events fed; 0.50 s, 20 events per second\n"
+            "besides: 1 other call\n");
 }
 
-TEST_F(SummaryTest, OrdersProcessesByTheirAlarms) {
-  Charge(kParent, 1, 2, 3);
+TEST_F(SummaryTest, NamesTheCulpritBeforeThoseChargedThroughIt) {
+  Charge(kParent, 4, 8, 3);  // First, and yet it is only the parent.
   Charge(kChild, 4, 8, 5);
-  Charge(kParent, 4, 8, 6);
+  const std::string text = Text();
+  EXPECT_THAT(text, StartsWith("2 processes reached the alarm (score 8).\n"
+                               "\n"
+                               "The culprit, to be stopped with its descendants:\n"
+                               "\n"
+                               "  C:\\chi\xEF\xBF\xBDld.exe\n"));
+  EXPECT_THAT(text, HasSubstr("\n"
+                              "Charged through it, as every ancestor is:\n"
+                              "\n"
+                              "  C:\\parent.exe\n"));
+}
+
+TEST_F(SummaryTest, OrdersCulpritsByTheirAlarms) {
+  Charge({20, 1}, 2, 4, 2);
+  Charge({21, 1}, 4, 8, 3);
+  Charge({20, 1}, 4, 8, 4);
   AddProcesses(summary_, ledger_);
-  ASSERT_EQ(summary_.alarmed.size(), 2U);
-  EXPECT_EQ(summary_.alarmed[0]->key, kChild);
-  EXPECT_EQ(summary_.alarmed[1]->key, kParent);
+  ASSERT_EQ(summary_.culprits.size(), 2U);
+  EXPECT_EQ(summary_.culprits[0]->key.Pid, 21U);
+  EXPECT_EQ(summary_.culprits[1]->key.Pid, 20U);
+  EXPECT_TRUE(summary_.charged.empty());
   EXPECT_TRUE(summary_.suspicious.empty());
+  EXPECT_THAT(SummaryText(summary_, false), HasSubstr("\nThe 2 culprits, to be stopped with their descendants:\n"));
+}
+
+TEST_F(SummaryTest, AnAlarmHasACulpritWhateverTheParentsBecome) {
+  Charge(kParent, 4, 8, 3);
+  Charge(kChild, 4, 8, 5);
+  ledger_.Find(kChild)->above_alarm = true;  // As if the capture had put the parent below its child afterwards.
+  AddProcesses(summary_, ledger_);
+  EXPECT_EQ(summary_.culprits.size(), 2U);
+  EXPECT_TRUE(summary_.charged.empty());
+}
+
+TEST_F(SummaryTest, SaysWhereAScoreWrapped) {
+  CallReports reports;
+  reports.scores.push_back({kParent, Cause::kParentPenalty, -0x7FFFFFFF - 1, 0, 2, L"a"});
+  reports.scores.push_back({kParent, Cause::kUpdate, 0, 2, 0, {}});
+  ledger_.Apply(reports, 12, 0, LookUp);
+  EXPECT_THAT(Text(),
+              HasSubstr("    score       2\n"
+                        "                wrapped at event 12: it grew past 32 bits, so a low score means nothing here\n"));
+}
+
+TEST_F(SummaryTest, SaysWhichPointsAreForLibraries) {
+  CallReports reports;
+  reports.scores.push_back({kParent, Cause::kModuleLoad, 1, 2, 0, {}});
+  ledger_.Apply(reports, 1, 0, LookUp);
+  EXPECT_THAT(Text(), HasSubstr("    score       2\n"
+                                "    libraries   1 load of a watched library: a point\n"
+                                "    damaged     0 files\n"));
+  ledger_.Apply(reports, 2, 0, LookUp);
+  EXPECT_THAT(Text(), HasSubstr("    libraries   2 loads of watched libraries: a point each\n"));
 }
 
 TEST_F(SummaryTest, TellsTheHighestScoreWhereTheLastIsLower) {
@@ -138,6 +188,11 @@ TEST_F(SummaryTest, ColorsOnlyWhereTheyAreAskedFor) {
 TEST_F(SummaryTest, ASummaryOfNoTimeHasNoSpeed) {
   summary_.seconds = 0;
   EXPECT_EQ(summary_.EventsPerSecond(), 0);
+}
+
+TEST_F(SummaryTest, NothingInItSteersTheTerminal) {
+  summary_.capture = "run\x1B[31m\xE2\x80\xAE.jsonl";
+  EXPECT_THAT(Text(), HasSubstr("\nrun\xEF\xBF\xBD[31m\xEF\xBF\xBD.jsonl: 12 rows read"));
 }
 
 }  // namespace

@@ -6,9 +6,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <iterator>
 #include <string>
+#include <vector>
 
 #include "tests/tools/program.h"
 
@@ -20,8 +23,14 @@ using ::testing::Not;
 using testing::ScriptPath;
 
 /// Runs the program on a terminal of its own, where TERM is `term` and NO_COLOR is `no_color` unless null, and returns what
-/// appears there.
-std::string RunOnTerminal(const std::string& script, const char* term, const char* no_color) {
+/// appears there. The alarm is 2, and `further` arguments follow.
+std::string RunOnTerminal(const std::string& script, const char* term, const char* no_color,
+                          const std::vector<std::string>& further = {}) {
+  std::vector<std::string> words = {ZTREPLAY_PROGRAM, script, "--alarm", "2"};
+  words.insert(words.end(), further.begin(), further.end());
+  std::vector<char*> arguments;
+  std::transform(words.begin(), words.end(), std::back_inserter(arguments), [](std::string& word) { return word.data(); });
+  arguments.push_back(nullptr);
   int terminal = -1;
   const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
   if (child == 0) {
@@ -31,7 +40,7 @@ std::string RunOnTerminal(const std::string& script, const char* term, const cha
     } else {
       setenv("NO_COLOR", no_color, 1);
     }
-    execl(ZTREPLAY_PROGRAM, ZTREPLAY_PROGRAM, script.c_str(), "--alarm", "2", nullptr);
+    execv(ZTREPLAY_PROGRAM, arguments.data());
     _exit(127);
   }
   std::string shown;
@@ -48,7 +57,7 @@ std::string RunOnTerminal(const std::string& script, const char* term, const cha
 
 TEST(OnATerminal, TheSummaryHasColors) {
   const std::string shown = RunOnTerminal(ScriptPath("overwrite_in_place.jsonl"), "xterm", nullptr);
-  EXPECT_THAT(shown, HasSubstr("\x1B[1m\x1B[31m1 process reached the alarm (score 2):"));
+  EXPECT_THAT(shown, HasSubstr("\x1B[1m\x1B[31m1 process reached the alarm (score 2)."));
 }
 
 TEST(OnATerminal, NoColorTurnsColorsOff) {
@@ -61,6 +70,25 @@ TEST(OnATerminal, NoColorTurnsColorsOff) {
 
 TEST(OnATerminal, ADumbTerminalGetsNoColors) {
   EXPECT_THAT(RunOnTerminal(ScriptPath("overwrite_in_place.jsonl"), "dumb", nullptr), Not(HasSubstr("\x1B")));
+}
+
+TEST(OnATerminal, NothingOfACaptureSteersIt) {
+  const testing::ScratchFolder folder;
+  const std::string name = R"(C:\\Docs\\a\u001b\u009b31m\u202e.doc)";
+  const std::string capture = folder.Write(
+      "run.jsonl", R"({"time":1,"pid":4,"target_pid":9,"behavior":"BehaviorProcessCreate","target":")" + name + "\"}\n" +
+                       R"({"time":2,"pid":9,"target_pid":10,"behavior":"BehaviorCreate","target":")" + name + "\"}\n" +
+                       R"({"time":3,"pid":9,"target_pid":10,"behavior":"BehaviorRead","target":")" + name + "\"}\n" +
+                       R"({"time":4,"pid":9,"behavior":"BehaviorWrite","target":")" + name + "|10\"}\n" +
+                       R"({"call":"ZtGetFinalStateFileByPid","pid":9})");
+  for (const std::vector<std::string>& further : std::vector<std::vector<std::string>>{
+           {}, {"--json"}, {"--results", "-"}, {"--restore-list", "-"}, {"--events", "-"}, {"--explain", "-"}}) {
+    const std::string shown = RunOnTerminal(capture, "dumb", nullptr, further);
+    EXPECT_THAT(shown, HasSubstr("31m")) << ::testing::PrintToString(further);
+    for (const char* steers : {"\x1B", "\xC2\x9B", "\xE2\x80\xAE"}) {
+      EXPECT_THAT(shown, Not(HasSubstr(steers))) << ::testing::PrintToString(further);
+    }
+  }
 }
 
 }  // namespace

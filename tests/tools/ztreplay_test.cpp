@@ -54,18 +54,40 @@ TEST_F(ZtreplayTest, SummarisesForPeople) {
   const RunResult run = RunProgram({capture, "--alarm", "4"});
   EXPECT_EQ(run.status, 1);
   EXPECT_EQ(run.err, "");
-  EXPECT_THAT(run.out, StartsWith(capture + ": 7 rows read, 7 events fed; "));
-  EXPECT_THAT(run.out, EndsWith("\n"
-                                "1 process reached the alarm (score 4):\n"
-                                "\n"
-                                "  C:\\bad.exe\n"
-                                "    process id  100\n"
-                                "    parent      not known\n"
-                                "    score       4\n"
-                                "    alarm       event 7 at 3020 ticks (0.000 s), 2 files damaged by then\n"
-                                "    to restore  2 files, 2 of them overwritten in place\n"
-                                "    quarantine  2 paths\n"
-                                "    family      100 C:\\bad.exe\n"));
+  EXPECT_THAT(run.out, StartsWith("1 process reached the alarm (score 4).\n"
+                                  "\n"
+                                  "The culprit, to be stopped with its descendants:\n"
+                                  "\n"
+                                  "  C:\\bad.exe\n"
+                                  "    process id  100\n"
+                                  "    parent      not known\n"
+                                  "    score       4\n"
+                                  "    alarm       event 7 at 3020 ticks (0.000 s), 2 files damaged by then\n"
+                                  "    to restore  2 files, 2 of them overwritten in place\n"
+                                  "    quarantine  2 paths\n"
+                                  "    family      100 C:\\bad.exe\n"
+                                  "\n" +
+                                  capture + ": 7 rows read, 7 events fed; "));
+}
+
+TEST_F(ZtreplayTest, EqualRunsGiveEqualJson) {
+  const std::string script = ScriptPath("delete_then_write_similar.jsonl");
+  const Json summary = Json::parse(RunProgram({script, "--json"}).out);
+  EXPECT_FALSE(summary.contains("seconds"));
+  EXPECT_FALSE(summary.contains("events_per_second"));
+  EXPECT_EQ(RunProgram({script, "--json"}).out, RunProgram({script, "--json"}).out);
+}
+
+TEST_F(ZtreplayTest, MessagesShowNothingThatSteersATerminal) {
+  const std::string end = "\xEF\xBF\xBD[31m";
+  for (const char* line :
+       {R"({"time":1,"pid":1,"behavior":"BehaviorRead","\u001b[31m":1})", R"({"time":1,"pid":1,"behavior":"\u001b[31m"})",
+        R"({"call":"\u001b[31m"})", R"({"time":"\u001b[31m","pid":1,"behavior":"BehaviorRead"})"}) {
+    const RunResult run = RunProgram({folder_.Write("bad.jsonl", line)});
+    EXPECT_EQ(run.status, 2);
+    EXPECT_THAT(run.err, HasSubstr(end)) << line;
+    EXPECT_THAT(run.err, Not(HasSubstr("\x1B"))) << line;
+  }
 }
 
 TEST_F(ZtreplayTest, TheAlarmDecidesTheExitStatus) {

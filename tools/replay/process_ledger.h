@@ -40,7 +40,8 @@ struct FinalAnswer {
   std::vector<std::wstring> restore_paths;  ///< The files to restore, where they are asked for.
 };
 
-/// One process that was charged for a file or that the engine held for suspicious.
+/// One process that was charged for a file or that the engine held for suspicious, or an ancestor of one that reached the
+/// alarm.
 struct ProcessRecord {
   ZtProcKey key;
   ZtProcKey parent;  ///< {0, 0}: none known.
@@ -48,11 +49,19 @@ struct ProcessRecord {
   std::wstring parent_image;  ///< Empty when the parent is not known.
   std::int32_t score = 1;     ///< After the last event.
   std::int32_t highest_score = 1;
+  std::optional<std::uint64_t> wrapped;  ///< The first call after which its score was not the product, which has over 31 bits.
+  std::uint64_t library_loads = 0;       ///< Loads of watched libraries, each of which gave its score a point.
   bool suspicious = false;               ///< Its score was once 2 or more, as the engine compares it.
   std::set<std::wstring> damaged_files;  ///< Distinct files charged to it. Not kept up to date once it has reached the alarm.
   std::optional<AlarmPoint> alarm;
+  bool above_alarm = false;  ///< A descendant of it reached the alarm.
+  bool in_cycle = false;     ///< Known to be its own ancestor.
   std::optional<FinalAnswer> final_answer;
   std::optional<std::map<std::uint64_t, std::wstring>> family;  ///< Suspicious members of its family: id to image.
+
+  /// Whether it is the deepest that reached the alarm: no descendant of it did. Every ancestor is charged with what a process
+  /// does, so one with an alarmed descendant need not have done anything.
+  [[nodiscard]] bool IsCulprit() const { return alarm && !above_alarm; }
 };
 
 /// The records of all such processes, in the order in which they first came up.
@@ -75,7 +84,11 @@ class ProcessLedger {
 
  private:
   ProcessRecord& Enter(const ZtProcKey& key, const ProcessLookUp& look_up);
-  void Settle(ProcessRecord& record, std::uint64_t number, std::int64_t time) const;
+  ProcessRecord& FindOrEnter(const ZtProcKey& key, const ProcessLookUp& look_up);
+  static void TakeIn(ProcessRecord& record, const ScoreChange& change, std::uint64_t number);
+  /// True when the record reaches the alarm now.
+  bool Settle(ProcessRecord& record, std::uint64_t number, std::int64_t time) const;
+  void MarkAncestors(ProcessRecord& alarmed, const ProcessLookUp& look_up);
 
   std::int32_t alarm_;
   std::deque<ProcessRecord> records_;

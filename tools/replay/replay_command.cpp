@@ -23,6 +23,7 @@
 #include "tools/replay/session.h"
 #include "tools/replay/summary.h"
 #include "tools/replay/summary_json.h"
+#include "tools/replay/text.h"
 
 namespace replay {
 namespace {
@@ -119,18 +120,19 @@ ExitStatus Replay(const Options& options) {
   Session session(options, {results.writer(), events.writer(), explain.writer()}, restore_list.writer() != nullptr);
   const auto start = std::chrono::steady_clock::now();
   FeedAll(capture, session);
-  Summary summary = {capture.source->name(), options.alarm, capture.reader->counts(), session.counts(), 0, {}, {}};
+  Summary summary = {capture.source->name(), options.alarm, capture.reader->counts(), session.counts(), 0, {}, {}, {}};
   summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
   AddProcesses(summary, session.ledger());
   if (restore_list.writer() != nullptr) {
-    WriteRestoreList(session.ledger(), *restore_list.writer());
+    WriteRestoreList(session.ledger(), *restore_list.writer(),
+                     options.restore_list == "-" && zt::IsTerminal(zt::StandardStream::kOutput));
   }
   results.Commit();
   events.Commit();
   explain.Commit();
   restore_list.Commit();
   PrintSummary(options, summary);
-  return summary.alarmed.empty() ? ExitStatus::kQuiet : ExitStatus::kAlarm;
+  return summary.culprits.empty() ? ExitStatus::kQuiet : ExitStatus::kAlarm;
 }
 
 ExitStatus Answer(const Reply& reply) {
@@ -161,7 +163,7 @@ int ReplayCommand(int argc, const char* const* argv) {
   } catch (const std::bad_alloc&) {
     PutOnStandardError("ztreplay: out of memory\n");
   } catch (const std::exception& error) {
-    PutOnStandardError(std::string(error.what()) + "\n");
+    PutOnStandardError(ShownText(error.what()) + "\n");
   }
   return static_cast<int>(status);
 }

@@ -7,7 +7,7 @@
 
 namespace replay {
 
-void WriteRestoreList(const ProcessLedger& ledger, const ByteSink& sink) {
+void WriteRestoreList(const ProcessLedger& ledger, const ByteSink& sink, bool for_terminal) {
   std::set<std::wstring_view> paths;
   for (const ProcessRecord& process : ledger.records()) {
     if (process.alarm && process.final_answer) {
@@ -15,7 +15,7 @@ void WriteRestoreList(const ProcessLedger& ledger, const ByteSink& sink) {
     }
   }
   for (const std::wstring_view path : paths) {
-    sink(PlainUtf8(path) + "\n");
+    sink((for_terminal ? ShownText(path) : PlainUtf8(path)) + "\n");
   }
 }
 

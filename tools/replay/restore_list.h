@@ -9,8 +9,9 @@
 namespace replay {
 
 /// Writes the files to restore of all processes in `ledger` that reached the alarm: each path once, in the order of code units,
-/// one a line. A line end within a path, which no file system of a monitored host allows, becomes U+FFFD.
-void WriteRestoreList(const ProcessLedger& ledger, const ByteSink& sink);
+/// one a line. A control character within a path, which no file system of a monitored host allows, becomes U+FFFD; with
+/// `for_terminal` so does whatever else a terminal does not show.
+void WriteRestoreList(const ProcessLedger& ledger, const ByteSink& sink, bool for_terminal);
 
 }  // namespace replay
 

@@ -20,18 +20,19 @@ struct Summary {
   ReadCounts read;
   FeedCounts fed;
   double seconds = 0;                            ///< Wall time of the replay.
-  std::vector<const ProcessRecord*> alarmed;     ///< Processes that reached the alarm, in the order in which they did.
+  std::vector<const ProcessRecord*> culprits;    ///< The deepest that reached the alarm, in the order in which they did.
+  std::vector<const ProcessRecord*> charged;     ///< Others that reached it, all ancestors of culprits, in that order too.
   std::vector<const ProcessRecord*> suspicious;  ///< Others that were suspicious, in the order in which they first came up.
 
   /// Events and other calls of the capture in a second of wall time; 0 where no time passed.
   [[nodiscard]] double EventsPerSecond() const;
 };
 
-/// Sorts the records of `ledger`, which the result refers to, into the two lists of `summary`.
+/// Sorts the records of `ledger`, which the result refers to, into the lists of `summary`.
 void AddProcesses(Summary& summary, const ProcessLedger& ledger);
 
-/// The text, with color sequences only where `colors` asks for them. Control characters of the capture's paths never get
-/// through.
+/// The text: what was found first, what was read last. Color sequences only where `colors` asks for them; else nothing that
+/// could steer a terminal.
 std::string SummaryText(const Summary& summary, bool colors);
 
 }  // namespace replay

@@ -9,7 +9,8 @@
 
 namespace replay {
 
-/// The object in one line, with a line end. Scripts rely on the keys: add to them, never rename them.
+/// The object in one line, with a line end: the same for every replay of the same calls, so the time that it took is left out.
+/// Scripts rely on the keys: add to them, never rename them.
 std::string SummaryJson(const Summary& summary);
 
 }  // namespace replay
