@@ -65,7 +65,7 @@ debian_archives() {
 need_archives() {
   [[ -z $(debian_archives) ]] || return 0
   ! can_be_root || update_apt as_root
-  [[ -n $(debian_archives) ]] || cannot "apt knows no Debian archive"
+  [[ -n $(debian_archives) ]] || cannot "what is built here comes from Debian's sources, and apt knows no Debian archive"
 }
 
 # sources_apt COMMAND...: apt with the machine's own archives as sources of source packages, and with state of its own, so that
