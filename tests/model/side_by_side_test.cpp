@@ -34,7 +34,7 @@ using zt::testing::TraceCapture;
 using zt::testing::TraceLine;
 
 constexpr std::uint64_t kCallsOfAnEngine = 1000;
-constexpr std::uint64_t kBlocks = 8;  ///< Tests that share the engines, so that they can run at the same time.
+constexpr std::uint64_t kBlocks = 8;  ///< Tests that share the engines.
 constexpr std::uint32_t kEngineId = 0xFEDCBA98;
 
 std::uint64_t FromEnvironment(const char* name, std::uint64_t otherwise) {
