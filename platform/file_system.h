@@ -14,12 +14,13 @@ inline constexpr std::size_t kMaxPathSize = 4096;
 /// What stands between a folder and what is in it.
 extern const char kPathSeparator;
 
-/// Writes the full path of the running program into `buffer` of `size` bytes, NUL included. Returns its length; 0 when it is
-/// not known or does not fit.
+/// Writes the full path of the running program into `buffer` of `size` bytes, NUL included: as it last was where the file has
+/// been deleted or replaced since. Returns its length; 0 when it is not known or does not fit.
 std::size_t ExecutablePath(char* buffer, std::size_t size);
 
 /// Writes `text` into `buffer` of `size` bytes, NUL included, with the values of environment variables in the place of their
-/// names between percent signs; names without a value stay as they are. Returns the length; 0 when it does not fit.
+/// names between percent signs; names without a value stay as they are, as do all in a program with other rights than the user
+/// who starts it (set-user-id). Returns the length; 0 when it does not fit.
 std::size_t ExpandEnvironment(const char* text, char* buffer, std::size_t size);
 
 /// Makes the folders that are missing on the way to a file: all that stands before the path's last separator. False when one of

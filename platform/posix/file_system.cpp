@@ -36,14 +36,15 @@ class PathBuilder {
   bool fits_ = true;
 };
 
-// The value of the variable whose name this is, null without one. REQUIRES: `name` fits a path.
+// The value of the variable whose name this is, null without one, and in a program that has other rights than its user.
+// REQUIRES: `name` fits a path.
 const char* ValueOf(std::string_view name) {
   char terminated[kMaxPathSize];
   if (name.empty() || name.size() >= sizeof terminated) {
     return nullptr;
   }
   terminated[name.copy(terminated, name.size())] = '\0';
-  return std::getenv(terminated);
+  return secure_getenv(terminated);
 }
 
 bool IsFolder(const char* path) {
@@ -51,17 +52,35 @@ bool IsFolder(const char* path) {
   return stat(path, &facts) == 0 && S_ISDIR(facts.st_mode);
 }
 
+constexpr const char kProgramLink[] = "/proc/self/exe";
+
+// The mark that the system puts after the path of a program whose file is gone.
+constexpr std::string_view kDeletedMark = " (deleted)";
+
+// Whether the path leads to the very file that runs: then what looks like the mark belongs to its name.
+bool LeadsToProgram(const char* path) {
+  struct stat program = {};
+  struct stat file = {};
+  return stat(kProgramLink, &program) == 0 && stat(path, &file) == 0 && program.st_dev == file.st_dev &&
+         program.st_ino == file.st_ino;
+}
+
 }  // namespace
 
 const char kPathSeparator = '/';
 
 std::size_t ExecutablePath(char* buffer, std::size_t size) {
-  const ssize_t length = readlink("/proc/self/exe", buffer, size);
+  const ssize_t length = readlink(kProgramLink, buffer, size);
   if (length <= 0 || static_cast<std::size_t>(length) >= size) {
     return 0;
   }
-  buffer[length] = '\0';
-  return static_cast<std::size_t>(length);
+  std::string_view path(buffer, static_cast<std::size_t>(length));
+  buffer[path.size()] = '\0';
+  if (path.ends_with(kDeletedMark) && !LeadsToProgram(buffer)) {
+    path.remove_suffix(kDeletedMark.size());
+    buffer[path.size()] = '\0';
+  }
+  return path.size();
 }
 
 std::size_t ExpandEnvironment(const char* text, char* buffer, std::size_t size) {

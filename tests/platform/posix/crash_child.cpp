@@ -23,6 +23,7 @@
 #include <thread>
 
 #include "platform/crash_filter.h"
+#include "platform/file_system.h"
 #include "platform/posix/crash_details.h"
 #include "platform/posix/crash_registers.h"
 #include "platform/posix/report_writer.h"
@@ -235,6 +236,15 @@ void SayWhereProgramBegins() {
   out.Text("\n");
 }
 
+void SayProgram() {
+  std::array<char, zt::kMaxPathSize> path = {};
+  zt::ExecutablePath(path.data(), path.size());
+  ReportWriter out(STDOUT_FILENO);
+  out.Text("program ");
+  out.Text(path.data());
+  out.Text("\n");
+}
+
 }  // namespace
 
 int main(int argument_count, char** arguments) {
@@ -253,6 +263,8 @@ int main(int argument_count, char** arguments) {
       {"remove-own", &zt::RemoveOwnCrashFilter},
       // What happens then.
       {"say-base", &SayWhereProgramBegins},
+      {"say-program", &SayProgram},
+      {"delete-program", [arguments] { unlink(arguments[0]); }},
       {"write", &CallCrash},
       {"bus", &ReadBeyondFile},
       {"illegal", &zt::testing::RunIllegalInstruction},
