@@ -114,7 +114,8 @@ void ReadNumberSettings(const char* key, std::span<NumberSetting> settings) {
   for (NumberSetting& setting : settings) {
     setting.value.reset();
   }
-  const char* const named = std::getenv("JQMLOG_SETTINGS");
+  // Nothing where the program has other rights than the user who starts it: that user shall not make files with them.
+  const char* const named = secure_getenv("JQMLOG_SETTINGS");
   if (named != nullptr && *named != '\0') {
     ReadFile(named, settings);
   } else {
