@@ -1,4 +1,4 @@
-// The end of a program by a fault.
+// Ends of a program by a fault.
 
 #ifndef ZT_TESTS_DLL_CRASH_H
 #define ZT_TESTS_DLL_CRASH_H
@@ -10,6 +10,9 @@ void PrepareForCrash();
 
 /// Writes to where no memory is.
 void Crash();
+
+/// Calls itself until the calling thread's stack is used up.
+void OverflowStack();
 
 }  // namespace zt::testing
 

@@ -9,7 +9,14 @@
 //   exit      loads it, feeds an event and ends the process with status 5 without freeing it
 //   crash     loads it, feeds an event and crashes
 //   freed     loads it, feeds an event, frees it and crashes
+//
+// These load it, say so and wait for a file "go" beside this program before they go on:
+//
+//   watch-exit      frees it
+//   watch-crash     crashes
+//   watch-overflow  overflows this thread's stack
 
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <exception>
@@ -160,7 +167,23 @@ void Tick(const std::string& path, const std::filesystem::path& log) {
   WaitForWorker(log, size_before);
 }
 
-void Do(std::string_view word, const std::string& path, const std::filesystem::path& log) {
+// Whoever runs this program changes the library's settings meanwhile.
+void WaitForGo(const std::filesystem::path& folder) {
+  while (!std::filesystem::exists(folder / "go")) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+}
+
+void Watch(const std::string& path, const std::filesystem::path& folder, void (*end)()) {
+  zt::testing::PrepareForCrash();
+  const LoadedLibrary library(path);
+  std::cout << "watches" << std::endl;
+  WaitForGo(folder);
+  end();
+}
+
+void Do(std::string_view word, const std::string& path, const std::filesystem::path& folder) {
+  const std::filesystem::path log = folder / "logs" / "trace" / "zteng.log";
   if (word == "calls") {
     Calls(path);
   } else if (word == "cycles") {
@@ -192,6 +215,12 @@ void Do(std::string_view word, const std::string& path, const std::filesystem::p
     zt::testing::PrepareForCrash();
     FeedOneEvent(LoadedLibrary(path));
     zt::testing::Crash();
+  } else if (word == "watch-exit") {
+    Watch(path, folder, [] {});
+  } else if (word == "watch-crash") {
+    Watch(path, folder, &zt::testing::Crash);
+  } else if (word == "watch-overflow") {
+    Watch(path, folder, &zt::testing::OverflowStack);
   }
 }
 
@@ -200,7 +229,7 @@ void Do(std::string_view word, const std::string& path, const std::filesystem::p
 int main(int argument_count, char** arguments) {
   try {
     for (int i = 2; i < argument_count; ++i) {
-      Do(arguments[i], arguments[1], std::filesystem::path(arguments[0]).parent_path() / "logs" / "trace" / "zteng.log");
+      Do(arguments[i], arguments[1], std::filesystem::path(arguments[0]).parent_path());
     }
     return EXIT_SUCCESS;
   } catch (const std::exception& error) {

@@ -3,67 +3,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdint>
-#include <filesystem>
 #include <string>
-#include <string_view>
-#include <vector>
 
+#include "tests/dll/host_fixture.h"
 #include "tests/dll/trace_settings.h"
-#include "tests/support/scratch_folder.h"
-#include "tests/tools/shell.h"
-#include "trace/trace.h"
 
 namespace zt::testing {
 namespace {
-
-constexpr std::uint32_t kFileTrace = kTraceInfo | kTraceDebug | kTraceWarning | kTraceToFile;
-
-std::size_t Count(std::string_view text, std::string_view part) {
-  std::size_t count = 0;
-  for (std::size_t at = text.find(part); at != std::string_view::npos; at = text.find(part, at + part.size())) {
-    ++count;
-  }
-  return count;
-}
-
-// Runs the host from a folder of its own, beside which the library keeps its log files.
-class HostTest : public ::testing::Test {
- protected:
-  HostTest() { std::filesystem::copy_file(ZT_DLL_HOST, Host()); }
-
-  /// Returns the host's exit status.
-  [[nodiscard]] int Run(const std::string& word) const {
-    using replay::testing::Quoted;
-    return replay::testing::RunCommandLine(Quoted(Host()) + " " + Quoted(ZT_LIBRARY_FILE) + " " + word + " > " +
-                                           Quoted(folder_.Path("out")) + " 2> " + Quoted(folder_.Path("err")));
-  }
-  /// What it said, with line ends as everywhere.
-  [[nodiscard]] std::string Output() const {
-    std::string text = folder_.Read("out") + folder_.Read("err");
-    std::erase(text, '\r');
-    return text;
-  }
-  [[nodiscard]] std::string Log() const { return folder_.Read("logs/trace/zteng.log"); }
-  /// The sizes of the dumps beside the host.
-  [[nodiscard]] std::vector<std::uintmax_t> Dumps() const {
-    std::vector<std::uintmax_t> sizes;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
-      const std::string name = entry.path().filename().string();
-      if (name.starts_with(std::filesystem::path(Host()).filename().string() + " [") && name.ends_with(".dmp")) {
-        sizes.push_back(entry.file_size());
-      }
-    }
-    return sizes;
-  }
-
- private:
-  [[nodiscard]] std::string Host() const {
-    return folder_.Path("host" + std::filesystem::path(ZT_DLL_HOST).extension().string());
-  }
-
-  ScratchFolder folder_;
-};
 
 // One file is overwritten, so the score goes from 1 to 2, the process is a suspicious one of its family and the file is to be
 // restored. A score of 0 or 1 is not suspicious.

@@ -4,6 +4,7 @@
 #define ZT_TESTS_DLL_TRACE_SETTINGS_H
 
 #include <cstdint>
+#include <string>
 
 #include "tests/support/scratch_folder.h"
 
@@ -19,6 +20,11 @@ class TraceSettings {
   ~TraceSettings();
   TraceSettings(const TraceSettings&) = delete;
   TraceSettings& operator=(const TraceSettings&) = delete;
+
+  /// Changes them; whoever reads them meanwhile finds the old ones or the new ones.
+  void Change(std::uint32_t flag, std::uint32_t size) const;
+  /// Where they are kept; empty where that is no file.
+  [[nodiscard]] std::string File() const;
 
  private:
   ScratchFolder folder_;

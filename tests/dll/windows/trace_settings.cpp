@@ -14,13 +14,18 @@ void Set(HKEY key, const char* name, DWORD value) {
 
 }  // namespace
 
-TraceSettings::TraceSettings(std::uint32_t flag, std::uint32_t size) {
+TraceSettings::TraceSettings(std::uint32_t flag, std::uint32_t size) { Change(flag, size); }
+
+// One value after the other: no test changes both at once.
+void TraceSettings::Change(std::uint32_t flag, std::uint32_t size) const {
   HKEY key = nullptr;
   EXPECT_EQ(RegCreateKeyA(HKEY_LOCAL_MACHINE, kKey, &key), ERROR_SUCCESS);
   Set(key, "flag", flag);
   Set(key, "size", size);
   RegCloseKey(key);
 }
+
+std::string TraceSettings::File() const { return {}; }
 
 TraceSettings::~TraceSettings() { RegDeleteKeyA(HKEY_LOCAL_MACHINE, kKey); }
 
