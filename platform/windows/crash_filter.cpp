@@ -16,15 +16,32 @@ namespace {
 
 std::atomic<CrashHandler> crash_handler = nullptr;
 
+// The filter from before this one; null for none.
+LPTOP_LEVEL_EXCEPTION_FILTER previous_filter = nullptr;
+
 SRWLOCK one_crash = SRWLOCK_INIT;
 std::atomic<DWORD> crashing_thread = 0;
 
+// Takes `one_crash`; false when another crash has been handled for five seconds and is not done: its handler may be waiting,
+// against the rules, for something that the calling thread holds and will never give up now. The wait is counted in steps and
+// has no point in time for an end, because writing a dump suspends this thread for as long as it takes.
+bool WaitForOtherCrash() {
+  constexpr DWORD kStepMs = 10;
+  constexpr DWORD kPatienceMs = 5000;
+  for (DWORD waited = 0; !TryAcquireSRWLockExclusive(&one_crash); waited += kStepMs) {
+    if (waited == kPatienceMs) {
+      return false;
+    }
+    Sleep(kStepMs);
+  }
+  return true;
+}
+
 // A thread that crashes while another one is handled waits for that; one that crashes in its own handler goes on.
 LONG WINAPI OnUnhandledException(EXCEPTION_POINTERS* exception) {
-  if (crashing_thread == GetCurrentThreadId()) {
+  if (crashing_thread == GetCurrentThreadId() || !WaitForOtherCrash()) {
     return EXCEPTION_CONTINUE_SEARCH;
   }
-  AcquireSRWLockExclusive(&one_crash);
   crashing_thread = GetCurrentThreadId();
   if (const CrashHandler handler = crash_handler; handler != nullptr) {
     handler({exception});
@@ -36,9 +53,14 @@ LONG WINAPI OnUnhandledException(EXCEPTION_POINTERS* exception) {
 
 }  // namespace
 
+void PrepareThreadForCrashes() {}
+
 void InstallCrashFilter(CrashHandler handler) {
   crash_handler = handler;
-  SetUnhandledExceptionFilter(&OnUnhandledException);
+  const LPTOP_LEVEL_EXCEPTION_FILTER replaced = SetUnhandledExceptionFilter(&OnUnhandledException);
+  if (replaced != &OnUnhandledException) {
+    previous_filter = replaced;
+  }
 }
 
 void RemoveCrashFilter() {
@@ -51,7 +73,7 @@ void RemoveOwnCrashFilter() {
     return;  // Nothing of ours is installed.
   }
   // The system tells which filter is installed only to who replaces it.
-  const LPTOP_LEVEL_EXCEPTION_FILTER installed = SetUnhandledExceptionFilter(nullptr);
+  const LPTOP_LEVEL_EXCEPTION_FILTER installed = SetUnhandledExceptionFilter(previous_filter);
   if (installed != &OnUnhandledException) {
     SetUnhandledExceptionFilter(installed);
   }

@@ -40,9 +40,28 @@ LONG WINAPI ForeignFilter(EXCEPTION_POINTERS*) {
   return EXCEPTION_CONTINUE_SEARCH;
 }
 
+HANDLE handler_runs = CreateEventA(nullptr, TRUE, FALSE, nullptr);
+
+void NeverReturn(const zt::CrashDetails&) {
+  Say("stuck");
+  SetEvent(handler_runs);
+  Sleep(INFINITE);
+}
+
 // By way of a variable, since compilers warn of a constant address that cannot be one.
 volatile std::uintptr_t no_address = 0x10;
 void WriteTo0x10() { *reinterpret_cast<volatile int*>(no_address) = 1; }
+
+// The other thread's crash has a code of its own.
+void CrashWhileHandlerRuns() {
+  const auto crash = [](void*) -> DWORD {
+    WaitForSingleObject(handler_runs, INFINITE);
+    RaiseException(EXCEPTION_ILLEGAL_INSTRUCTION, EXCEPTION_NONCONTINUABLE, 0, nullptr);
+    return 0;
+  };
+  CreateThread(nullptr, 0, crash, nullptr, 0, nullptr);
+  WriteTo0x10();
+}
 
 }  // namespace
 
@@ -50,10 +69,12 @@ int main(int argument_count, char** arguments) {
   const std::map<std::string_view, std::function<void()>> words = {
       {"install", [] { zt::InstallCrashFilter(&WriteDump); }},
       {"install-other", [] { zt::InstallCrashFilter([](const zt::CrashDetails&) { Say("other"); }); }},
+      {"install-stuck", [] { zt::InstallCrashFilter(&NeverReturn); }},
       {"foreign", [] { SetUnhandledExceptionFilter(&ForeignFilter); }},
       {"remove", &zt::RemoveCrashFilter},
       {"remove-own", &zt::RemoveOwnCrashFilter},
       {"write", &WriteTo0x10},
+      {"second-thread", &CrashWhileHandlerRuns},
   };
   // Nobody is there to answer the system's question about the crash.
   SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);

@@ -115,6 +115,39 @@ TEST_F(CrashFilterTest, RemovedFilterSeesNothing) {
   EXPECT_FALSE(folder_.Has("dump"));
 }
 
+TEST_F(CrashFilterTest, RemoveOwnGivesBackTheFilterFromBefore) {
+  EXPECT_EQ(Run("foreign install remove-own write"), EXCEPTION_ACCESS_VIOLATION);
+  EXPECT_EQ(said_, "foreign\n");
+}
+
+TEST_F(CrashFilterTest, SecondInstallKeepsTheFilterFromBefore) {
+  EXPECT_EQ(Run("foreign install install remove-own write"), EXCEPTION_ACCESS_VIOLATION);
+  EXPECT_EQ(said_, "foreign\n");
+}
+
+TEST_F(CrashFilterTest, FilterFromBeforeIsNotCalledWhileThisOneIsInstalled) {
+  EXPECT_EQ(Run("foreign install write"), EXCEPTION_ACCESS_VIOLATION);
+  EXPECT_EQ(said_, "handler\n");
+}
+
+TEST_F(CrashFilterTest, RemoveLeavesNoFilterAtAll) {
+  EXPECT_EQ(Run("foreign install remove remove-own write"), EXCEPTION_ACCESS_VIOLATION);
+  EXPECT_EQ(said_, "");
+}
+
+TEST_F(CrashFilterTest, FormerDumpIsReplaced) {
+  folder_.Write("dump", std::string(4000000, 'x'));
+  Run("install write");
+  EXPECT_EQ(folder_.Read("dump").substr(0, 4), "MDMP");
+  EXPECT_EQ(folder_.Read("dump").find("xxxxxxxx"), std::string::npos);
+}
+
+// The second crash cannot wait for the first one's handler for ever.
+TEST_F(CrashFilterTest, HandlerThatNeverReturnsDoesNotHoldUpAnotherCrash) {
+  EXPECT_EQ(Run("install-stuck second-thread"), EXCEPTION_ILLEGAL_INSTRUCTION);
+  EXPECT_EQ(said_, "stuck\n");
+}
+
 TEST_F(CrashFilterTest, RemoveTakesAwayWhatOthersInstalled) {
   EXPECT_EQ(Run("install foreign remove write"), EXCEPTION_ACCESS_VIOLATION);
   EXPECT_EQ(said_, "");
