@@ -130,6 +130,8 @@ void TraceStart() {
   TraceMarkStarted();
   ForgetInForkedProcesses();
   StartWorker(*state.environment);
+  // Also without the filter: the worker may install it later, on its own thread.
+  state.environment->prepare_thread_for_crashes();
   if ((flags & kTraceCrashDump) != 0) {
     TraceMatchCrashFilter();
   }

@@ -38,6 +38,7 @@ struct TraceEnvironment {
   void (*read_settings)(const char* key, std::span<NumberSetting> settings) = &ReadNumberSettings;
   bool (*start_worker)(std::uint32_t period_ms, void (*tick)()) = &StartPeriodicWorker;
   void (*stop_worker)() = &StopPeriodicWorker;
+  void (*prepare_thread_for_crashes)() = &PrepareThreadForCrashes;
   void (*install_crash_filter)(CrashHandler handler) = &InstallCrashFilter;
   void (*remove_crash_filter)() = &RemoveCrashFilter;
   void (*write_crash_dump)(const char* path, const CrashDetails& details) = &WriteCrashDump;

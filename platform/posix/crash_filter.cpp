@@ -28,9 +28,9 @@ static_assert(decltype(crash_owner)::is_always_lock_free && sizeof(crash_owner) 
 std::atomic<CrashHandler> crash_handler = nullptr;
 static_assert(decltype(crash_handler)::is_always_lock_free);
 
-// The actions from before, in the order of kCrashSignals, and whether RemoveCrashFilter is to put them back.
+// The actions from before, in the order of kCrashSignals. They stay known after a removal: what others have installed since may
+// pass its signals on to this filter.
 std::array<struct sigaction, kCrashSignals.size()> previous_actions;
-bool has_previous = false;
 
 // Hand-overs since the filter was installed. Many threads may crash at once, but a thousand rounds mean that two handlers hand
 // the crash to each other.
@@ -40,9 +40,22 @@ std::atomic<int> hand_over_count = 0;
 // How long a thread waits for another one's crash to be handled.
 constexpr std::time_t kPatienceSeconds = 5;
 
-void RestorePreviousActions() {
+void OnSignal(int signal, siginfo_t* info, void* context);
+
+bool IsOwn(const struct sigaction& action) { return (action.sa_flags & SA_SIGINFO) != 0 && action.sa_sigaction == &OnSignal; }
+
+bool IsInstalled(int signal) {
+  struct sigaction action = {};
+  return sigaction(signal, nullptr, &action) == 0 && IsOwn(action);
+}
+
+// Puts the actions from before back where this filter's are in place; for `signal` also where they are not, because whoever has
+// put another one there passes the signal on to this filter. 0 is no signal.
+void RestorePreviousActions(int signal) {
   for (std::size_t i = 0; i < kCrashSignals.size(); ++i) {
-    sigaction(kCrashSignals[i], &previous_actions[i], nullptr);
+    if (kCrashSignals[i] == signal || IsInstalled(kCrashSignals[i])) {
+      sigaction(kCrashSignals[i], &previous_actions[i], nullptr);
+    }
   }
 }
 
@@ -66,7 +79,7 @@ bool FaultComesAgain(const siginfo_t& info) {
 // handler returns. A fault does so by itself, with the true place for the core dump; a signal that was sent is sent again, with
 // all that was said about it, and waits for the return because the handler blocks it.
 void HandOver(const CrashDetails& details) {
-  RestorePreviousActions();
+  RestorePreviousActions(details.signal);
   if (hand_over_count.fetch_add(1) >= kMaxHandOvers) {
     std::signal(details.signal, SIG_DFL);
   }
@@ -120,14 +133,9 @@ void OnSignal(int signal, siginfo_t* info, void* context) {
   errno = saved_errno;
 }
 
-bool IsOwn(const struct sigaction& action) { return (action.sa_flags & SA_SIGINFO) != 0 && action.sa_sigaction == &OnSignal; }
-
-bool IsInstalled(int signal) {
-  struct sigaction action = {};
-  return sigaction(signal, nullptr, &action) == 0 && IsOwn(action);
-}
-
 }  // namespace
+
+void PrepareThreadForCrashes() { ProvideSignalStackWhereNone(); }
 
 void InstallCrashFilter(CrashHandler handler) {
   crash_handler = handler;
@@ -151,29 +159,13 @@ void InstallCrashFilter(CrashHandler handler) {
       sigaction(kCrashSignals[i], &own, nullptr);
     }
   }
-  has_previous = true;
 }
 
-void RemoveCrashFilter() {
-  if (has_previous) {
-    RestorePreviousActions();
-    has_previous = false;
-  }
-  crash_handler = nullptr;
-  ReleaseSignalStack();
-}
+void RemoveCrashFilter() { RemoveOwnCrashFilter(); }
 
 void RemoveOwnCrashFilter() {
-  // The previous actions stay known: what others have installed may pass its signals on to this filter.
-  bool all_gone = true;
-  for (std::size_t i = 0; i < kCrashSignals.size(); ++i) {
-    if (IsInstalled(kCrashSignals[i])) {
-      sigaction(kCrashSignals[i], &previous_actions[i], nullptr);
-    } else {
-      all_gone = false;
-    }
-  }
-  has_previous = has_previous && !all_gone;
+  constexpr int kNone = 0;
+  RestorePreviousActions(kNone);
   crash_handler = nullptr;
   ReleaseSignalStack();
 }

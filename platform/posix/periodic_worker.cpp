@@ -7,6 +7,8 @@
 #include <ctime>
 #include <initializer_list>
 
+#include "platform/posix/signal_stack.h"
+
 namespace zt {
 namespace {
 
@@ -50,6 +52,7 @@ void* Run(void* /*unused*/) {
   while (WaitForPeriod()) {
     worker.tick();
   }
+  ReleaseSignalStack();  // A tick that installed the crash filter was given one.
   return nullptr;
 }
 

@@ -17,20 +17,18 @@ struct Provided {
 };
 thread_local Provided provided;
 
+bool IsNone(const stack_t& stack) { return (stack.ss_flags & SS_DISABLE) != 0; }
+
 bool IsInstalled(const stack_t& stack) {
   stack_t current = {};
-  return sigaltstack(nullptr, &current) == 0 && (current.ss_flags & SS_DISABLE) == 0 && current.ss_sp == stack.ss_sp;
+  return sigaltstack(nullptr, &current) == 0 && !IsNone(current) && current.ss_sp == stack.ss_sp;
 }
 
-}  // namespace
+std::size_t NeededSize() { return kSignalStackRoom + static_cast<std::size_t>(sysconf(_SC_MINSIGSTKSZ)); }
 
-void ProvideSignalStack() {
+void Provide(const stack_t& former) {
   const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
-  const std::size_t needed = kSignalStackRoom + static_cast<std::size_t>(sysconf(_SC_MINSIGSTKSZ));
-  stack_t former = {};
-  if (sigaltstack(nullptr, &former) != 0 || ((former.ss_flags & SS_DISABLE) == 0 && former.ss_size >= needed)) {
-    return;
-  }
+  const std::size_t needed = NeededSize();
   const std::size_t stack_size = (needed + page - 1) / page * page;
   const std::size_t size = page + stack_size;
   void* const memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_STACK, -1, 0);
@@ -45,6 +43,22 @@ void ProvideSignalStack() {
     return;
   }
   provided = {memory, size, stack, former};
+}
+
+}  // namespace
+
+void ProvideSignalStack() {
+  stack_t former = {};
+  if (sigaltstack(nullptr, &former) == 0 && (IsNone(former) || former.ss_size < NeededSize())) {
+    Provide(former);
+  }
+}
+
+void ProvideSignalStackWhereNone() {
+  stack_t former = {};
+  if (sigaltstack(nullptr, &former) == 0 && IsNone(former)) {
+    Provide(former);
+  }
 }
 
 void ReleaseSignalStack() {

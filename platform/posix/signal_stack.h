@@ -14,7 +14,10 @@ inline constexpr std::size_t kSignalStackRoom = 128 * std::size_t{1024};
 /// cannot be touched. A smaller one is put aside until ReleaseSignalStack. Without memory for it nothing happens.
 void ProvideSignalStack();
 
-/// Takes away, and frees, what ProvideSignalStack gave to the calling thread. While the stack is in use, or another one in its
+/// The same, but a smaller one stays as well.
+void ProvideSignalStackWhereNone();
+
+/// Takes away, and frees, what the functions above gave to the calling thread. While the stack is in use, or another one in its
 /// place, nothing happens. A thread that ends without this call leaves the memory behind.
 void ReleaseSignalStack();
 

@@ -101,6 +101,11 @@ TEST_F(LibraryTest, CrashFilterIsInstalledWhereTheFlagsAskForIt) {
   EXPECT_THAT(FakeLibrary().events, ElementsAre("start worker 300", "install crash filter"));
 }
 
+TEST_F(LibraryTest, LoadingThreadIsPreparedForAFilterThatMayComeLater) {
+  Start(0, 0);
+  EXPECT_TRUE(FakeLibrary().is_thread_prepared);
+}
+
 TEST_F(LibraryTest, RingIsMadeWhereTheFlagsAskForIt) {
   Start(0x200 | 0xFF0000, 0);
   ASSERT_NE(SharedTraceState().ring, nullptr);

@@ -28,6 +28,7 @@ struct FakeLibrarySystem {
   std::map<std::string, std::uint32_t> settings;  ///< Under the library's key.
   std::int64_t milliseconds = 1000;               ///< The performance counter.
   int settings_reads = 0;
+  bool is_thread_prepared = false;  ///< For crashes.
   std::vector<std::string> events;  ///< What the worker, the crash filter and the settings were asked, in its order.
   std::vector<std::string> dumps;   ///< Paths of the crash dumps.
 };
@@ -65,6 +66,7 @@ inline TraceEnvironment FakeLibraryEnvironment() {
     return true;
   };
   environment.stop_worker = [] { FakeLibrary().events.emplace_back("stop worker"); };
+  environment.prepare_thread_for_crashes = [] { FakeLibrary().is_thread_prepared = true; };
   environment.install_crash_filter = [](CrashHandler) { FakeLibrary().events.emplace_back("install crash filter"); };
   environment.remove_crash_filter = [] { FakeLibrary().events.emplace_back("remove crash filter"); };
   environment.write_crash_dump = [](const char* path, const CrashDetails&) { FakeLibrary().dumps.emplace_back(path); };

@@ -259,6 +259,8 @@ int main(int argument_count, char** arguments) {
       {"install-aborting", [] { zt::InstallCrashFilter(&Abort); }},
       {"install-faulting", [] { zt::InstallCrashFilter(&Fault); }},
       {"install-stuck", [] { zt::InstallCrashFilter(&NeverReturn); }},
+      {"install-on-thread", [] { std::thread([] { zt::InstallCrashFilter(&WriteReport); }).join(); }},
+      {"prepare", &zt::PrepareThreadForCrashes},
       {"remove", &zt::RemoveCrashFilter},
       {"remove-own", &zt::RemoveOwnCrashFilter},
       // What happens then.

@@ -147,6 +147,11 @@ TEST_F(CrashFilterTest, StackOverflow) {
   EXPECT_THAT(Section("Mappings"), ::testing::Contains(HasSubstr("[stack]")));
 }
 
+TEST_F(CrashFilterTest, StackOverflowOnAThreadThatWasPreparedBeforeAnotherInstalledTheFilter) {
+  EXPECT_EQ(EndOf({"prepare", "install-on-thread", "overflow"}), SIGSEGV);
+  EXPECT_EQ(Field("Signal"), "SIGSEGV (11)");
+}
+
 TEST_F(CrashFilterTest, CrashOnAnotherThread) {
   EXPECT_EQ(EndOf({"install", "thread"}), SIGSEGV);
   EXPECT_NE(Said("thread"), std::to_string(child_id_));
@@ -249,6 +254,13 @@ TEST_F(CrashFilterTest, ActionInstalledLaterMayPassTheSignalOn) {
   EXPECT_THAT(lines_, ElementsAre(StartsWith("foreign 11 "), StartsWith("handler 11 "), StartsWith("previous 11 ")));
 }
 
+// The crash that is handled is not of their signal.
+TEST_F(CrashFilterTest, ActionInstalledLaterStaysWhenAnotherSignalWasHandled) {
+  EXPECT_EQ(EndOf({"previous", "install", "foreign", "raise-fpe", "write"}), SIGSEGV);
+  EXPECT_THAT(lines_, ElementsAre(StartsWith("handler 8 "), StartsWith("previous 8 "), "errno 25", StartsWith("foreign 11 "),
+                                  StartsWith("previous 11 ")));
+}
+
 TEST_F(CrashFilterTest, ActionLeftInPlaceMayPassTheSignalOn) {
   EXPECT_EQ(EndOf({"previous", "install", "foreign", "remove-own", "write"}), SIGSEGV);
   EXPECT_THAT(lines_, ElementsAre(StartsWith("foreign 11 "), StartsWith("previous 11 ")));
@@ -348,26 +360,20 @@ TEST_F(CrashActionsTest, RemoveWithoutInstallDoesNothing) {
   EXPECT_EQ(CountDifferent(Current(), current), 0);
 }
 
-TEST_F(CrashActionsTest, RemoveTakesAwayWhatOthersInstalled) {
-  InstallCrashFilter(&HandleNothing);
-  std::signal(SIGFPE, &IgnoreSignal);
-  RemoveCrashFilter();
-  EXPECT_EQ(CountDifferent(Current(), before_), 0);
+TEST_F(CrashActionsTest, RemoveLeavesWhatOthersInstalled) {
+  for (void (*const remove)() : {&RemoveCrashFilter, &RemoveOwnCrashFilter}) {
+    InstallCrashFilter(&HandleNothing);
+    std::signal(SIGFPE, &IgnoreSignal);
+    remove();
+    EXPECT_EQ(CountDifferent(Current(), before_), 1);
+    EXPECT_EQ(Current()[3].sa_handler, &IgnoreSignal);
+    sigaction(SIGFPE, &before_[3], nullptr);
+  }
 }
 
-TEST_F(CrashActionsTest, RemoveOwnLeavesWhatOthersInstalled) {
+TEST_F(CrashActionsTest, NothingIsLeftToRemoveAfterRemove) {
   InstallCrashFilter(&HandleNothing);
-  std::signal(SIGFPE, &IgnoreSignal);
-  RemoveOwnCrashFilter();
-  EXPECT_EQ(CountDifferent(Current(), before_), 1);
-  EXPECT_EQ(Current()[3].sa_handler, &IgnoreSignal);
   RemoveCrashFilter();
-  EXPECT_EQ(CountDifferent(Current(), before_), 0);
-}
-
-TEST_F(CrashActionsTest, NothingIsLeftToRemoveAfterRemoveOwn) {
-  InstallCrashFilter(&HandleNothing);
-  RemoveOwnCrashFilter();
   std::signal(SIGFPE, &IgnoreSignal);
   RemoveCrashFilter();
   EXPECT_EQ(Current()[3].sa_handler, &IgnoreSignal);

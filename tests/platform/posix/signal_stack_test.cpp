@@ -92,6 +92,24 @@ TEST(SignalStackTest, SmallStackIsPutAside) {
   });
 }
 
+TEST(SignalStackTest, WhereNoneIsASmallStackStaysToo) {
+  RunOnBareThread([] {
+    std::vector<char> memory(65536);
+    stack_t own = {};
+    own.ss_sp = memory.data();
+    own.ss_size = memory.size();
+    ASSERT_EQ(sigaltstack(&own, nullptr), 0);
+    ProvideSignalStackWhereNone();
+    EXPECT_EQ(Current().ss_sp, memory.data());
+    own.ss_flags = SS_DISABLE;
+    ASSERT_EQ(sigaltstack(&own, nullptr), 0);
+    ProvideSignalStackWhereNone();
+    EXPECT_GE(Current().ss_size, 131072u);
+    ReleaseSignalStack();
+    EXPECT_EQ(Current().ss_flags, SS_DISABLE);
+  });
+}
+
 TEST(SignalStackTest, AnotherStackInItsPlaceStays) {
   RunOnBareThread([] {
     ProvideSignalStack();
