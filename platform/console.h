@@ -18,6 +18,10 @@ using SavedConsoleColor = std::optional<std::uint16_t>;
 /// Writes the text to standard output, byte for byte, and does not leave any of it in a buffer. Failures are ignored.
 void WriteConsoleText(std::string_view text);
 
+/// As WriteConsoleText, in a crash: takes no lock that the crashed thread may hold, and what cannot be written without waiting
+/// is lost. Windows, where no write is sure not to wait, writes nothing.
+void WriteConsoleTextInCrash(std::string_view text);
+
 /// Sets the color of the text that follows and returns the one before. Nothing happens when standard output is not a console.
 SavedConsoleColor SetConsoleColor(ConsoleColor color);
 

@@ -4,6 +4,7 @@
 #define ZT_PLATFORM_CRITICAL_SECTION_H
 
 #include <cstddef>
+#include <cstdint>
 
 namespace zt {
 
@@ -26,7 +27,10 @@ class CriticalSection {
   void Enter();
   /// Takes the lock if that needs no waiting, and returns whether it did. REQUIRES: initialised.
   bool TryEnter();
-  /// Gives up one Enter or successful TryEnter. REQUIRES: the calling thread holds the lock.
+  /// Takes the lock, waiting for so many milliseconds at most, and returns whether it did: for a thread that crashed, and must
+  /// not wait for what a thread that never goes on holds. REQUIRES: initialised.
+  bool TryEnterFor(std::uint32_t milliseconds);
+  /// Gives up one Enter or successful TryEnter or TryEnterFor. REQUIRES: the calling thread holds the lock.
   void Leave();
   [[nodiscard]] bool IsInitialised() const { return initialised_; }
 

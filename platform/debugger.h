@@ -11,6 +11,10 @@ namespace zt {
 /// for such text. Failures are ignored.
 void WriteDebuggerText(std::string_view text);
 
+/// As WriteDebuggerText, in a crash: takes no lock that the crashed thread may hold, and what cannot be written to standard
+/// error without waiting is lost.
+void WriteDebuggerTextInCrash(std::string_view text);
+
 }  // namespace zt
 
 #endif  // ZT_PLATFORM_DEBUGGER_H

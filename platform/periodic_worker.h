@@ -21,6 +21,11 @@ bool StartPeriodicWorker(std::uint32_t period_ms, void (*tick)());
 /// runs. Nothing when none is started. REQUIRES: the caller holds no lock that a tick takes.
 void StopPeriodicWorker();
 
+/// For a crash: has no tick begin from now on, and waits for one that runs, but for so many milliseconds at most. Called from
+/// within a tick it does not wait. Takes no lock and ends nothing: StopPeriodicWorker is still to be called before the library
+/// is unloaded. Nothing when no worker is started.
+void HaltPeriodicWorker(std::uint32_t patience_ms);
+
 /// Forgets the worker without waiting. For a process whose other threads the system has ended already, maybe in the middle of a
 /// tick, which will then never return.
 void AbandonPeriodicWorker();

@@ -5,6 +5,7 @@
 
 #include "trace/library.h"
 #include "trace/library_lines.h"
+#include "trace/local_time.h"
 #include "trace/message_formatter.h"
 #include "trace/path_text.h"
 #include "trace/trace.h"
@@ -25,9 +26,16 @@ char path[kMaxPathSize];
 char name[kMessageCapacity];
 PathText dump;
 
+void PrintPath() {
+  if ((TraceFlags.load(std::memory_order_relaxed) & kTraceInfo) != 0) {
+    TracePrint(nullptr, 0, kCrashLine, "", "%s", path);
+  }
+}
+
 // The dump's name: the program's, then process and thread, then the time.
 void FormatDumpName(char* destination, const TraceEnvironment& environment, const char* program) {
-  const LocalTime time = LibraryMomentNow(environment).time;
+  const std::uint64_t since_1970 = environment.file_time_now() - kUnixEpochAsFileTime;
+  const LocalTime time = LocalTimeByNotedOffset(static_cast<std::int64_t>(since_1970 / kFileTimePerSecond));
   Format(destination, "%s [%d.%d] %04d-%02d-%02d %02d.%02d.%02d.dmp", program, environment.process_id(),
          environment.thread_id(), time.year, time.month, time.day, time.hour, time.minute, time.second);
 }
@@ -39,10 +47,7 @@ void TraceCrashFilter(const CrashDetails& details) {
   if (environment.executable_path(path, sizeof path) == 0) {
     return;
   }
-  if ((TraceFlags.load(std::memory_order_relaxed) & kTraceInfo) != 0) {
-    TracePrint(nullptr, 0, kCrashLine, "", "%s", path);
-  }
-  TraceStopInCrash();
+  TraceStopInCrash(&PrintPath);
   const SplitPath parts = Split(path);
   if (parts.folder.empty()) {
     return;
@@ -57,6 +62,7 @@ void TraceCrashFilter(const CrashDetails& details) {
 void TraceMatchCrashFilter() {
   const TraceEnvironment& environment = *SharedTraceState().environment;
   if ((TraceFlags.load(std::memory_order_relaxed) & kTraceCrashDump) != 0) {
+    NoteUtcOffset(environment);
     environment.install_crash_filter(&TraceCrashFilter);
   } else {
     environment.remove_crash_filter();

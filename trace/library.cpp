@@ -5,6 +5,7 @@
 #include "platform/periodic_worker.h"
 #include "trace/crash_filter.h"
 #include "trace/library_lines.h"
+#include "trace/lock_user.h"
 #include "trace/log_file.h"
 #include "trace/log_files.h"
 #include "trace/log_folder.h"
@@ -39,7 +40,10 @@ bool PrepareFiles(const PathText& folder, std::uint32_t size_limit) {
 // A forked process has neither the worker nor the log file, and the pending lines are its parent's to write.
 void ForgetInForkedProcesses() {
   static const bool kIsArranged = [] {
-    CallInForkedProcesses([] { SharedTraceState().started = false; });
+    CallInForkedProcesses([] {
+      SharedTraceState().started = false;
+      SharedTraceState().is_worker_left = false;
+    });
     return true;
   }();
   static_cast<void>(kIsArranged);
@@ -80,23 +84,23 @@ void DeleteUnwantedFiles(const TraceState& state, std::uint64_t flags) {
   }
 }
 
-// `close_state` is TraceCloseState or its sibling.
-void Stop(void (*close_state)()) {
-  TraceState& state = SharedTraceState();
-  if (!state.started || state.stopping.exchange(true)) {
-    return;
-  }
-  {
-    const CriticalSectionLock lock(state.lock);
-    const std::uint64_t flags = TraceFlags.load(std::memory_order_relaxed);
-    SayGoodbye(state);
-    DeleteUnwantedFiles(state, flags);
-    close_state();
-    SharedLogFiles().ClearCurrent();
-  }
-  state.environment->stop_worker();
-  TraceMarkStopped();
+// `close_state` is TraceCloseState or its sibling. REQUIRES: the trace lock is held.
+void Close(TraceState& state, void (*close_state)()) {
+  const std::uint64_t flags = TraceFlags.load(std::memory_order_relaxed);
+  SayGoodbye(state);
+  DeleteUnwantedFiles(state, flags);
+  close_state();
+  SharedLogFiles().ClearCurrent();
 }
+
+void StopLeftWorker(TraceState& state) {
+  if (state.is_worker_left.exchange(false)) {
+    state.environment->stop_worker();
+  }
+}
+
+// How long a crash waits for another thread. Twice that is less than a second crash waits for the first one.
+constexpr std::uint32_t kCrashPatienceMs = 2000;
 
 }  // namespace
 
@@ -106,6 +110,7 @@ void TraceStart() {
     SetLastErrorCode(ErrorCode::kAlreadyExists);
     return;
   }
+  StopLeftWorker(state);
   const PathText configured = ConfiguredLogFolder();
   if (configured.empty()) {
     return;
@@ -139,9 +144,39 @@ void TraceStart() {
   PrintBanner(state, start);
 }
 
-void TraceStop() { Stop(&TraceCloseState); }
+void TraceStop() {
+  TraceState& state = SharedTraceState();
+  if (!state.started) {
+    StopLeftWorker(state);
+    return;
+  }
+  if (state.stopping.exchange(true)) {
+    return;
+  }
+  {
+    const CriticalSectionLock lock(state.lock);
+    Close(state, &TraceCloseState);
+  }
+  state.environment->stop_worker();
+  TraceMarkStopped();
+}
 
-void TraceStopInCrash() { Stop(&TraceCloseStateButRing); }
+void TraceStopInCrash(void (*print_last_words)()) {
+  TraceState& state = SharedTraceState();
+  const LockUser user(state);
+  if (!state.started || state.stopping.exchange(true)) {
+    return;
+  }
+  if (state.lock.TryEnterFor(kCrashPatienceMs)) {
+    state.in_crash = true;
+    print_last_words();
+    Close(state, &TraceCloseStateButRing);
+    state.lock.Leave();
+  }
+  state.is_worker_left = true;
+  state.environment->halt_worker(kCrashPatienceMs);
+  TraceMarkStopped();
+}
 
 void TraceStopWithoutThreads() {
   AbandonPeriodicWorker();

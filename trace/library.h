@@ -19,7 +19,12 @@ void TraceStop();
 
 /// TraceStop on the way of a crash: the memory ring stays where it is, for the dump to have it, and the heap, which may be what
 /// is broken, is not touched. The next start takes the ring over.
-void TraceStopInCrash();
+///
+/// Waits for two seconds at most for a thread that holds the trace lock; where that does not go on, the pending lines are lost.
+/// Waits as long for a tick of the worker. The worker is halted, and ended by the next TraceStop or TraceStart.
+///
+/// @param print_last_words  prints what is to be said before "trace stopped"; not called where the lock could not be had
+void TraceStopInCrash(void (*print_last_words)());
 
 /// TraceStop for a process whose other threads the system has ended, wherever they were. Does nothing where one of them ended
 /// while it held the trace lock, since what it was about to do cannot be finished.

@@ -3,6 +3,7 @@
 #include <cstdarg>
 
 #include "trace/build_stamp.h"
+#include "trace/local_time.h"
 #include "trace/trace.h"
 #include "trace/trace_state.h"
 
@@ -23,7 +24,7 @@ LibraryMoment LibraryMomentNow(const TraceEnvironment& environment) {
   const std::uint64_t since_1970 = environment.file_time_now() - kUnixEpochAsFileTime;
   constexpr std::uint64_t kFileTimePerMillisecond = kFileTimePerSecond / 1000;
   return {environment.uptime_milliseconds() / 1000,
-          environment.to_local_time(static_cast<std::int64_t>(since_1970 / kFileTimePerSecond)),
+          TraceLocalTime(environment, static_cast<std::int64_t>(since_1970 / kFileTimePerSecond)),
           static_cast<int>(since_1970 % kFileTimePerSecond / kFileTimePerMillisecond)};
 }
 

@@ -1,5 +1,6 @@
 #include "trace/line_prefix.h"
 
+#include "trace/local_time.h"
 #include "trace/number_text.h"
 #include "trace/trace.h"
 #include "trace/trace_state.h"
@@ -21,7 +22,7 @@ void AppendField(BoundedText& out, char separator, int value) {
 
 void AppendTime(BoundedText& out, const TraceEnvironment& environment) {
   const std::uint64_t since_1970 = environment.file_time_now() - kUnixEpochAsFileTime;
-  const LocalTime local = environment.to_local_time(static_cast<std::int64_t>(since_1970 / kFileTimePerSecond));
+  const LocalTime local = TraceLocalTime(environment, static_cast<std::int64_t>(since_1970 / kFileTimePerSecond));
   out.Append('[');
   AppendZeroFilled(out, static_cast<std::uint64_t>(local.year), 4);
   AppendField(out, '-', local.month);

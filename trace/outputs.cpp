@@ -60,11 +60,12 @@ void TraceTextOut(std::string_view text) {
     return;
   }
   const TraceEnvironment& environment = *SharedTraceState().environment;
+  const bool in_crash = SharedTraceState().in_crash;
   if (IsOn(kTraceToConsole)) {
-    environment.write_console(text);
+    (in_crash ? environment.write_console_in_crash : environment.write_console)(text);
   }
   if (IsOn(kTraceToDebugger)) {
-    environment.write_debugger(text);
+    (in_crash ? environment.write_debugger_in_crash : environment.write_debugger)(text);
   }
 }
 

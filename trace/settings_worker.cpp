@@ -2,6 +2,7 @@
 
 #include "trace/crash_filter.h"
 #include "trace/library_lines.h"
+#include "trace/local_time.h"
 #include "trace/lock_user.h"
 #include "trace/log_file.h"
 #include "trace/log_files.h"
@@ -117,6 +118,9 @@ void TraceSettingsWorker() {
     return;
   }
   CloseIdleFile(state);
+  if ((TraceFlags.load(std::memory_order_relaxed) & kTraceCrashDump) != 0) {
+    NoteUtcOffset(*state.environment);
+  }
   const std::int64_t now = state.environment->performance_counter();
   if (state.settings_key == nullptr || MillisecondsBetween(*state.environment, last_look, now) < kSettingsPeriodMs) {
     return;

@@ -17,9 +17,9 @@ inline constexpr std::int64_t kSettingsPeriodMs = 11000;
 /// Makes the period of looks at the settings begin now. Called before the worker is started.
 void TraceBeginSettingsPeriod();
 
-/// One tick of the worker: writes what is pending and closes the file when nobody printed lately; then, when it is time to,
-/// reads the settings and does what changed ones want. With file output switched off the log files are deleted. One thread at a
-/// time; takes the trace lock.
+/// One tick of the worker: writes what is pending and closes the file when nobody printed lately; notes the offset of local
+/// time from UTC when the crash filter may want it; then, when it is time to, reads the settings and does what changed ones
+/// want. With file output switched off the log files are deleted. One thread at a time; takes the trace lock.
 void TraceSettingsWorker();
 
 }  // namespace zt

@@ -46,6 +46,7 @@ void TraceOpenState(std::uint64_t flags, AppendStream* stream) {
   const CriticalSectionLock lock(state.lock);
   state.stream = stream;
   state.stopping = false;
+  state.in_crash = false;
   state.module_name = kTraceModuleName;
   TraceFlags.store(flags, std::memory_order_relaxed);
 }

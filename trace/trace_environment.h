@@ -31,6 +31,8 @@ struct TraceEnvironment {
   SavedConsoleColor (*set_console_color)(ConsoleColor color) = &SetConsoleColor;
   void (*restore_console_color)(SavedConsoleColor saved) = &RestoreConsoleColor;
   void (*write_debugger)(std::string_view text) = &WriteDebuggerText;
+  void (*write_console_in_crash)(std::string_view text) = &WriteConsoleTextInCrash;
+  void (*write_debugger_in_crash)(std::string_view text) = &WriteDebuggerTextInCrash;
 
   std::int64_t (*performance_frequency)() = &PerformanceFrequency;
   std::uint32_t (*uptime_milliseconds)() = &SystemUptimeMilliseconds;
@@ -38,6 +40,7 @@ struct TraceEnvironment {
   void (*read_settings)(const char* key, std::span<NumberSetting> settings) = &ReadNumberSettings;
   bool (*start_worker)(std::uint32_t period_ms, void (*tick)()) = &StartPeriodicWorker;
   void (*stop_worker)() = &StopPeriodicWorker;
+  void (*halt_worker)(std::uint32_t patience_ms) = &HaltPeriodicWorker;
   void (*prepare_thread_for_crashes)() = &PrepareThreadForCrashes;
   void (*install_crash_filter)(CrashHandler handler) = &InstallCrashFilter;
   void (*remove_crash_filter)() = &RemoveCrashFilter;

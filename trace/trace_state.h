@@ -33,6 +33,11 @@ struct TraceState {
   std::atomic<const char*> module_name{""};  ///< Static text; empty while not started.
   std::atomic<std::int64_t> last_print{0};   ///< Performance counter at the start of the latest print.
   std::atomic<bool> stopping{false};         ///< Set from the beginning of a stop to the next start: one stop is enough.
+  /// Set in a crash, from when the lock was taken to the next start: nothing waits then, and nothing takes a lock of the
+  /// system's that the crashed thread may hold.
+  std::atomic<bool> in_crash{false};
+  std::atomic<bool> is_worker_left{false};  ///< A crash has halted the worker, which is still to be stopped.
+  std::atomic<std::int64_t> utc_offset{0};  ///< Seconds by which local time was ahead of UTC lately (local_time.h).
   /// Key of the settings, static text; null where there is none and while not started.
   std::atomic<const char*> settings_key{nullptr};
   /// The system, or what a test puts in its place. Never null; changed only while the library is not started.

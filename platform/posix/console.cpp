@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include "platform/posix/crash_output.h"
+
 namespace zt {
 namespace {
 
@@ -41,6 +43,8 @@ void WriteConsoleText(std::string_view text) {
     text.remove_prefix(static_cast<std::size_t>(count));
   }
 }
+
+void WriteConsoleTextInCrash(std::string_view text) { WriteWithoutWaiting(STDOUT_FILENO, text); }
 
 SavedConsoleColor SetConsoleColor(ConsoleColor color) {
   if (isatty(STDOUT_FILENO) == 0) {

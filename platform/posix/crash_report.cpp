@@ -8,10 +8,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <ctime>
 #include <span>
 
+#include "platform/calendar.h"
 #include "platform/crash_filter.h"
 #include "platform/posix/crash_details.h"
 #include "platform/posix/crash_registers.h"
@@ -65,22 +65,19 @@ void Place(ReportWriter& report, std::uintptr_t address) {
 void Time(ReportWriter& report) {
   timespec now = {};
   clock_gettime(CLOCK_REALTIME, &now);
-  const std::chrono::sys_seconds seconds{std::chrono::seconds(now.tv_sec)};
-  const std::chrono::sys_days day = std::chrono::floor<std::chrono::days>(seconds);
-  const std::chrono::year_month_day date(day);
-  const std::chrono::hh_mm_ss time(seconds - day);
+  const LocalTime time = CalendarTime(now.tv_sec);
   Label(report, "Time");
-  report.Number(static_cast<int>(date.year()), 4);
+  report.Number(time.year, 4);
   report.Text("-");
-  report.Number(static_cast<unsigned>(date.month()), 2);
+  report.Number(time.month, 2);
   report.Text("-");
-  report.Number(static_cast<unsigned>(date.day()), 2);
+  report.Number(time.day, 2);
   report.Text(" ");
-  report.Number(time.hours().count(), 2);
+  report.Number(time.hour, 2);
   report.Text(":");
-  report.Number(time.minutes().count(), 2);
+  report.Number(time.minute, 2);
   report.Text(":");
-  report.Number(time.seconds().count(), 2);
+  report.Number(time.second, 2);
   report.Text(" UTC (");
   report.Number(now.tv_sec);
   report.Text(" s since 1970)\n");

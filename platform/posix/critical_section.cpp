@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include <algorithm>
+#include <ctime>
 #include <new>
 
 namespace zt {
@@ -62,6 +63,17 @@ void CriticalSection::Enter() {
 }
 
 bool CriticalSection::TryEnter() { return pthread_mutex_trylock(MutexIn(storage_)) == 0; }
+
+bool CriticalSection::TryEnterFor(std::uint32_t milliseconds) {
+  constexpr long kNanosecondsPerSecond = 1000000000;
+  timespec end = {};
+  clock_gettime(CLOCK_MONOTONIC, &end);
+  end.tv_sec += static_cast<time_t>(milliseconds / 1000);
+  end.tv_nsec += static_cast<long>(milliseconds % 1000) * 1000000;
+  end.tv_sec += end.tv_nsec / kNanosecondsPerSecond;
+  end.tv_nsec %= kNanosecondsPerSecond;
+  return pthread_mutex_clocklock(MutexIn(storage_), CLOCK_MONOTONIC, &end) == 0;
+}
 
 void CriticalSection::Leave() { pthread_mutex_unlock(MutexIn(storage_)); }
 

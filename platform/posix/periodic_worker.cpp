@@ -2,12 +2,14 @@
 
 #include <pthread.h>
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <ctime>
 #include <initializer_list>
 
 #include "platform/posix/signal_stack.h"
+#include "platform/process_ids.h"
 
 namespace zt {
 namespace {
@@ -21,6 +23,11 @@ struct Worker {
   void (*tick)() = nullptr;
   bool is_started = false;
   bool must_stop = false;
+
+  // Not protected: a thread that crashed asks these. A tick sets the second before it looks at the first, and whoever sets the
+  // first looks at the second afterwards, so that one of the two sees the other.
+  std::atomic<bool> is_halted{false};
+  std::atomic<std::uint32_t> ticking_thread{0};  // The id of the thread that is in a tick.
 };
 
 Worker worker;
@@ -50,7 +57,11 @@ bool WaitForPeriod() {
 
 void* Run(void* /*unused*/) {
   while (WaitForPeriod()) {
-    worker.tick();
+    worker.ticking_thread = CurrentThreadId();
+    if (!worker.is_halted) {
+      worker.tick();
+    }
+    worker.ticking_thread = 0;
   }
   ReleaseSignalStack();  // A tick that installed the crash filter was given one.
   return nullptr;
@@ -87,6 +98,7 @@ bool StartPeriodicWorker(std::uint32_t period_ms, void (*tick)()) {
   worker.period_ms = period_ms;
   worker.tick = tick;
   worker.must_stop = false;
+  worker.is_halted = false;
   worker.is_started = CreateThreadWithoutSignals();
   const bool is_started = worker.is_started;
   pthread_mutex_unlock(&worker.mutex);
@@ -111,6 +123,19 @@ void StopPeriodicWorker() {
   } else {
     pthread_join(thread, nullptr);
     pthread_cond_destroy(&worker.stopping);
+  }
+}
+
+void HaltPeriodicWorker(std::uint32_t patience_ms) {
+  worker.is_halted = true;
+  const std::uint32_t own = CurrentThreadId();
+  for (std::uint32_t waited = 0; waited < patience_ms; ++waited) {
+    const std::uint32_t ticking = worker.ticking_thread;
+    if (ticking == 0 || ticking == own) {
+      return;
+    }
+    constexpr timespec kMillisecond = {0, 1000000};
+    nanosleep(&kMillisecond, nullptr);
   }
 }
 

@@ -23,6 +23,9 @@ void WriteConsoleText(std::string_view text) {
   }
 }
 
+// Even the question whether there is room waits while another thread writes to the same pipe.
+void WriteConsoleTextInCrash(std::string_view /*text*/) {}
+
 SavedConsoleColor SetConsoleColor(ConsoleColor color) {
   const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
   CONSOLE_SCREEN_BUFFER_INFO info = {};

@@ -31,6 +31,18 @@ void CriticalSection::Enter() { EnterCriticalSection(SectionIn(storage_)); }
 
 bool CriticalSection::TryEnter() { return TryEnterCriticalSection(SectionIn(storage_)) != FALSE; }
 
+// The system has no such call.
+bool CriticalSection::TryEnterFor(std::uint32_t milliseconds) {
+  constexpr std::uint32_t kStepMs = 10;
+  for (std::uint32_t waited = 0; !TryEnter(); waited += kStepMs) {
+    if (waited >= milliseconds) {
+      return false;
+    }
+    Sleep(kStepMs);
+  }
+  return true;
+}
+
 void CriticalSection::Leave() { LeaveCriticalSection(SectionIn(storage_)); }
 
 }  // namespace zt

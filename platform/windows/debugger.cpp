@@ -17,4 +17,6 @@ void WriteDebuggerText(std::string_view text) {
   }
 }
 
+void WriteDebuggerTextInCrash(std::string_view text) { WriteDebuggerText(text); }
+
 }  // namespace zt

@@ -12,8 +12,11 @@ struct Worker {
   PTP_TIMER timer = nullptr;
   std::uint32_t period_ms = 0;
   void (*tick)() = nullptr;
-  bool must_stop = false;                // Protected by `lock`, as is arming the timer.
+  bool must_stop = false;  // Protected by `lock`, as is arming the timer.
+  // A tick sets the first of these before it looks at the second, and whoever sets the second looks at the first afterwards, so
+  // that one of the two sees the other.
   std::atomic<DWORD> ticking_thread{0};  // The thread that is in a tick.
+  std::atomic<bool> is_halted{false};
 };
 
 Worker worker;
@@ -32,7 +35,9 @@ void Arm() {
 
 void CALLBACK OnTimer(PTP_CALLBACK_INSTANCE /*instance*/, void* /*context*/, PTP_TIMER /*timer*/) {
   worker.ticking_thread = GetCurrentThreadId();
-  worker.tick();
+  if (!worker.is_halted) {
+    worker.tick();
+  }
   worker.ticking_thread = 0;
   AcquireSRWLockExclusive(&worker.lock);
   if (!worker.must_stop) {
@@ -47,6 +52,7 @@ bool StartPeriodicWorker(std::uint32_t period_ms, void (*tick)()) {
   worker.period_ms = period_ms;
   worker.tick = tick;
   worker.must_stop = false;
+  worker.is_halted = false;
   worker.timer = CreateThreadpoolTimer(&OnTimer, nullptr, nullptr);
   if (worker.timer == nullptr) {
     return false;
@@ -71,6 +77,20 @@ void StopPeriodicWorker() {
   }
   CloseThreadpoolTimer(worker.timer);
   worker.timer = nullptr;
+}
+
+// Counted in steps: the time for which a dump's writer suspends this thread is none.
+void HaltPeriodicWorker(std::uint32_t patience_ms) {
+  constexpr std::uint32_t kStepMs = 10;
+  worker.is_halted = true;
+  const DWORD own = GetCurrentThreadId();
+  for (std::uint32_t waited = 0; waited < patience_ms; waited += kStepMs) {
+    const DWORD ticking = worker.ticking_thread;
+    if (ticking == 0 || ticking == own) {
+      return;
+    }
+    Sleep(kStepMs);
+  }
 }
 
 void AbandonPeriodicWorker() { worker.timer = nullptr; }

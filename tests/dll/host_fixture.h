@@ -35,7 +35,7 @@ inline std::size_t Count(std::string_view text, std::string_view part) {
 /// Runs the host from a folder of its own, beside which the library keeps its log files.
 class HostTest : public ::testing::Test {
  protected:
-  HostTest() { std::filesystem::copy_file(ZT_DLL_HOST, Host()); }
+  explicit HostTest(const char* program = ZT_DLL_HOST) { std::filesystem::copy_file(program, Host()); }
 
   /// Returns the host's exit status.
   [[nodiscard]] int Run(const std::string& word) const {

@@ -100,5 +100,40 @@ TEST(CriticalSectionTest, OneThreadAtATime) {
   EXPECT_EQ(count, kThreadCount * kRounds);
 }
 
+TEST(CriticalSectionTest, BoundedTryTakesAFreeLock) {
+  CriticalSection section;
+  section.Init();
+  ASSERT_TRUE(section.TryEnterFor(0));
+  EXPECT_TRUE(section.TryEnterFor(0)) << "its holder may take it again";
+  std::thread([&section] { EXPECT_FALSE(section.TryEnter()); }).join();
+  section.Leave();
+  section.Leave();
+  std::thread([&section] {
+    EXPECT_TRUE(section.TryEnter());
+    section.Leave();
+  }).join();
+}
+
+// Without an end of the wait the test would have none.
+TEST(CriticalSectionTest, BoundedTryGivesUp) {
+  CriticalSection section;
+  section.Init();
+  const CriticalSectionLock lock(section);
+  std::thread([&section] { EXPECT_FALSE(section.TryEnterFor(1)); }).join();
+}
+
+TEST(CriticalSectionTest, BoundedTryWaitsForALeave) {
+  CriticalSection section;
+  section.Init();
+  section.Enter();
+  std::thread other([&section] {
+    // An hour: the test would not end.
+    EXPECT_TRUE(section.TryEnterFor(3600000));
+    section.Leave();
+  });
+  section.Leave();
+  other.join();
+}
+
 }  // namespace
 }  // namespace zt

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <thread>
 
+#include "platform/clock.h"
 #include "tests/support/gate.h"
 
 namespace zt::testing {
@@ -133,6 +134,59 @@ TEST_F(PeriodicWorkerTest, TickCanStopTheWorker) {
   ticks_.WaitFor(1);
   EXPECT_EQ(ticks_.count, 1);
 }
+
+TEST_F(PeriodicWorkerTest, HaltWaitsForTheTickThatRuns) {
+  GuardedTick tick;
+  guarded = &tick;
+  ASSERT_TRUE(StartPeriodicWorker(1, &PassGates));
+  tick.is_inside.Wait();
+  std::thread release([&tick] { tick.may_leave.Open(); });
+  HaltPeriodicWorker(3600000);  // An hour: the test would not end.
+  EXPECT_TRUE(tick.is_done);
+  release.join();
+}
+
+// Without an end of the wait the test would have none.
+TEST_F(PeriodicWorkerTest, HaltDoesNotWaitForEver) {
+  GuardedTick tick;
+  guarded = &tick;
+  ASSERT_TRUE(StartPeriodicWorker(1, &PassGates));
+  tick.is_inside.Wait();
+  HaltPeriodicWorker(1);
+  EXPECT_FALSE(tick.is_done);
+  tick.may_leave.Open();
+  StopPeriodicWorker();
+  EXPECT_TRUE(tick.is_done);
+}
+
+TEST_F(PeriodicWorkerTest, NoTickBeginsAfterAHalt) {
+  ASSERT_TRUE(StartPeriodicWorker(1, &CountTick));
+  ticks_.WaitFor(1);
+  HaltPeriodicWorker(3600000);
+  const int count = ticks_.count;
+  // The time in which twenty of them would have come, by the clock that the worker goes by.
+  const std::int64_t end = SteadyNanoseconds() + std::int64_t{20} * 1000000;
+  while (SteadyNanoseconds() < end) {
+    std::this_thread::yield();
+  }
+  EXPECT_EQ(ticks_.count, count);
+  StopPeriodicWorker();
+  // The next worker is not halted.
+  ASSERT_TRUE(StartPeriodicWorker(1, &CountTick));
+  ticks_.WaitFor(count + 1);
+}
+
+TEST_F(PeriodicWorkerTest, TickCanHaltTheWorker) {
+  ASSERT_TRUE(StartPeriodicWorker(1, [] {
+    HaltPeriodicWorker(3600000);
+    CountTick();
+  }));
+  ticks_.WaitFor(1);
+  StopPeriodicWorker();
+  EXPECT_EQ(ticks_.count, 1);
+}
+
+TEST_F(PeriodicWorkerTest, HaltWithoutStartDoesNothing) { HaltPeriodicWorker(3600000); }
 
 }  // namespace
 }  // namespace zt::testing

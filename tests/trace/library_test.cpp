@@ -214,7 +214,7 @@ TEST_F(LibraryTest, StopInACrashLeavesTheRingForTheDump) {
   Start(0x200 | 0xFF0000, 0);
   Print("kept");
   TraceMemLogHead* const ring = SharedTraceState().ring;
-  TraceStopInCrash();
+  TraceStopInCrash([] {});
   EXPECT_FALSE(SharedTraceState().started);
   EXPECT_EQ(SharedTraceState().ring, ring);
   EXPECT_STREQ(ring->slots[0], "kep");

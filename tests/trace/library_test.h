@@ -65,6 +65,9 @@ inline TraceEnvironment FakeLibraryEnvironment() {
     FakeLibrary().events.push_back("start worker " + std::to_string(period_ms));
     return true;
   };
+  environment.halt_worker = [](std::uint32_t patience_ms) {
+    FakeLibrary().events.push_back("halt worker " + std::to_string(patience_ms));
+  };
   environment.stop_worker = [] { FakeLibrary().events.emplace_back("stop worker"); };
   environment.prepare_thread_for_crashes = [] { FakeLibrary().is_thread_prepared = true; };
   environment.install_crash_filter = [](CrashHandler) { FakeLibrary().events.emplace_back("install crash filter"); };

@@ -94,6 +94,10 @@ inline constexpr TraceEnvironment kFakeEnvironment = {
     .restore_console_color =
         [](SavedConsoleColor saved) { FakeSystemLog().events.push_back("restore:" + std::to_string(saved.value_or(0))); },
     .write_debugger = [](std::string_view text) { FakeSystemLog().events.push_back("debugger:" + std::string(text)); },
+    .write_console_in_crash =
+        [](std::string_view text) { FakeSystemLog().events.push_back("console in crash:" + std::string(text)); },
+    .write_debugger_in_crash =
+        [](std::string_view text) { FakeSystemLog().events.push_back("debugger in crash:" + std::string(text)); },
     .uptime_milliseconds = [] { return std::uint32_t{86461999}; },
 };
 

@@ -4,6 +4,16 @@
 
 #include <cstdint>
 
+// What the sanitizers' libraries ask for, where they are linked: they shall leave the signals alone, and make no alternate
+// stack.
+#define ZT_OPTIONS_OF(sanitizer)                                                                             \
+  extern "C" [[gnu::visibility("default")]] const char* __##sanitizer##_default_options();                   \
+  const char* __##sanitizer##_default_options() {                                                            \
+    return "handle_segv=0:handle_sigbus=0:handle_sigill=0:handle_sigfpe=0:handle_abort=0:use_sigaltstack=0"; \
+  }
+ZT_OPTIONS_OF(asan)
+ZT_OPTIONS_OF(ubsan)
+
 namespace zt::testing {
 
 namespace {
