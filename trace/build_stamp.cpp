@@ -1,7 +1,10 @@
 #include "trace/build_stamp.h"
 
+// Made by the build.
+#include "build_stamp_text.h"
+
 namespace zt {
 
-const char* const kBuildStamp = ZT_BUILD_STAMP;
+const char* const kBuildStamp = kBuildStampText;
 
 }  // namespace zt

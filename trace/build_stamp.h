@@ -5,7 +5,8 @@
 
 namespace zt {
 
-/// Such as "Tue Jul 15 09:24:23 2025", in UTC: when the build was configured, or the moment that SOURCE_DATE_EPOCH names.
+/// Such as "Tue Jul 15 09:24:23 2025", in UTC: when the latest change of the library's sources was built, or the moment that
+/// SOURCE_DATE_EPOCH named then.
 extern const char* const kBuildStamp;
 
 }  // namespace zt

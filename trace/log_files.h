@@ -61,8 +61,8 @@ LogFiles& SharedLogFiles();
 ///
 /// With a limit of 0 that is folder + name; the rotation files' paths stay as they are. Otherwise the open file is closed and
 /// it is the rotation file that was changed last, unless that one has reached the limit: then the other one is deleted and
-/// begun anew. For this choice the limit in bytes is a signed 32-bit number that wraps: from 2048 MiB on it may be negative,
-/// and any file has reached it. Where TraceFlags has kTracePidInName, "_pid_" and the process id stand before the name's
+/// begun anew. For this choice the limit in bytes is a signed 32-bit number that wraps: of the remainder of 4096 MiB, 0 and 2048
+/// to 4095 are no positive number, and any file has reached them; 4097 is as 1, and 6143 as 2047. Where TraceFlags has kTracePidInName, "_pid_" and the process id stand before the name's
 /// extension.
 ///
 /// @param folder      zero-terminated, ends in a separator; otherwise the last error is kNotReady

@@ -135,6 +135,29 @@ TEST_F(LogFilesTest, LimitOf4096MiBOverflowsToZero) {
   EXPECT_EQ(Current(), Path("zteng_2.log"));
 }
 
+TEST_F(LogFilesTest, LimitOf4097MiBOverflowsToOne) {
+  MakeLog("zteng_1.log", kMiB - 1, 1);
+  ASSERT_TRUE(Build(4097));
+  EXPECT_EQ(Current(), Path("zteng_1.log"));
+  MakeLog("zteng_1.log", kMiB, 1);
+  ASSERT_TRUE(Build(4097));
+  EXPECT_EQ(Current(), Path("zteng_2.log"));
+}
+
+// 6143 - 4096 is 2047, whose bytes are a positive number again; those of 6144 - 4096 are not.
+TEST_F(LogFilesTest, LimitsFrom6144MiBOnAreReachedByAnyFileAgain) {
+  MakeLog("zteng_1.log", 2 * kMiB, 1);
+  ASSERT_TRUE(Build(6143));
+  EXPECT_EQ(Current(), Path("zteng_1.log"));
+  ASSERT_TRUE(Build(6144));
+  EXPECT_EQ(Current(), Path("zteng_2.log"));
+}
+
+TEST_F(LogFilesTest, LargestLimitIsReachedByAnyFile) {
+  ASSERT_TRUE(Build(0xFFFFFFFF));
+  EXPECT_EQ(Current(), Path("zteng_2.log"));
+}
+
 TEST_F(LogFilesTest, BuildingWithALimitClosesTheFile) {
   ASSERT_TRUE(Build(0));
   ASSERT_TRUE(SharedLogFiles().Open().has_value());
