@@ -61,9 +61,10 @@ LogFiles& SharedLogFiles();
 ///
 /// With a limit of 0 that is folder + name; the rotation files' paths stay as they are. Otherwise the open file is closed and
 /// it is the rotation file that was changed last, unless that one has reached the limit: then the other one is deleted and
-/// begun anew. For this choice the limit in bytes is a signed 32-bit number that wraps: of the remainder of 4096 MiB, 0 and 2048
-/// to 4095 are no positive number, and any file has reached them; 4097 is as 1, and 6143 as 2047. Where TraceFlags has kTracePidInName, "_pid_" and the process id stand before the name's
-/// extension.
+/// begun anew. Where TraceFlags has kTracePidInName, "_pid_" and the process id stand before the name's extension.
+///
+/// For this choice the limit in bytes is a signed 32-bit number that wraps. From 2048 to 4096 MiB it is negative or 0, which any
+/// file has reached; from 4097 to 6143 MiB it is as from 1 to 2047; and so on, by turns.
 ///
 /// @param folder      zero-terminated, ends in a separator; otherwise the last error is kNotReady
 /// @param name        zero-terminated, not empty, without a separator; otherwise the last error is kInvalidParameter
