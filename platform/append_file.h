@@ -11,7 +11,7 @@
 namespace zt {
 
 /// Writes are gathered in a buffer of 64 KiB. While it is open, other openings for writing fail: on Windows all of them, by the
-/// sharing mode; elsewhere those that ask for the advisory lock, as this class does, and programs that this one starts do not
+/// sharing mode; elsewhere those that ask for the advisory lock, as this class does. Programs that this one starts do not
 /// inherit it. One thread at a time.
 class AppendFile {
  public:
@@ -32,10 +32,10 @@ class AppendFile {
  private:
   static constexpr std::size_t kBufferSize = 0x10000;
 
-  // The address of a stream, or 1 more than a descriptor; 0 for none, so that an object that lives as long as the process is
-  // all zeros and takes no room in the library file.
+  // The system's handle, or 1 more than a descriptor; 0 for none, so that an object that lives as long as the process is all
+  // zeros and takes no room in the library file.
   std::intptr_t handle_ = 0;
-  [[maybe_unused]] std::size_t buffered_ = 0;  // A stream counts for itself.
+  std::size_t buffered_ = 0;
   char buffer_[kBufferSize] = {};
 };
 
