@@ -63,8 +63,8 @@ LogFiles& SharedLogFiles();
 /// it is the rotation file that was changed last, unless that one has reached the limit: then the other one is deleted and
 /// begun anew. Where TraceFlags has kTracePidInName, "_pid_" and the process id stand before the name's extension.
 ///
-/// For this choice the limit in bytes is a signed 32-bit number that wraps. From 2048 to 4096 MiB it is negative or 0, which any
-/// file has reached; from 4097 to 6143 MiB it is as from 1 to 2047; and so on, by turns.
+/// For this choice the limit in bytes is a signed 32-bit number that wraps. From 2048 to 4096 MiB it is negative or 0, which
+/// any file has reached; from 4097 to 6143 MiB it is as from 1 to 2047; and so on, by turns.
 ///
 /// @param folder      zero-terminated, ends in a separator; otherwise the last error is kNotReady
 /// @param name        zero-terminated, not empty, without a separator; otherwise the last error is kInvalidParameter

@@ -136,10 +136,17 @@ TEST_F(CrashFilterTest, RemoveLeavesNoFilterAtAll) {
 }
 
 TEST_F(CrashFilterTest, FormerDumpIsReplaced) {
-  folder_.Write("dump", std::string(4000000, 'x'));
+  // Longer than a dump of the child, whose memory has no such text.
+  const std::string mark = "of the former dump;";
+  std::string former;
+  while (former.size() < 16000000) {
+    former += mark;
+  }
+  folder_.Write("dump", former);
   Run("install write");
-  EXPECT_EQ(folder_.Read("dump").substr(0, 4), "MDMP");
-  EXPECT_EQ(folder_.Read("dump").find("xxxxxxxx"), std::string::npos);
+  const std::string dump = folder_.Read("dump");
+  EXPECT_EQ(dump.substr(0, 4), "MDMP");
+  EXPECT_EQ(dump.find(mark), std::string::npos);
 }
 
 // The second crash cannot wait for the first one's handler for ever.
