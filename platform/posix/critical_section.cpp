@@ -64,15 +64,17 @@ void CriticalSection::Enter() {
 
 bool CriticalSection::TryEnter() { return pthread_mutex_trylock(MutexIn(storage_)) == 0; }
 
+// Not by the call that waits until a point in time: a change of the system's clock would move it, and the one that goes by the
+// steady clock is unknown to ThreadSanitizer.
 bool CriticalSection::TryEnterFor(std::uint32_t milliseconds) {
-  constexpr long kNanosecondsPerSecond = 1000000000;
-  timespec end = {};
-  clock_gettime(CLOCK_MONOTONIC, &end);
-  end.tv_sec += static_cast<time_t>(milliseconds / 1000);
-  end.tv_nsec += static_cast<long>(milliseconds % 1000) * 1000000;
-  end.tv_sec += end.tv_nsec / kNanosecondsPerSecond;
-  end.tv_nsec %= kNanosecondsPerSecond;
-  return pthread_mutex_clocklock(MutexIn(storage_), CLOCK_MONOTONIC, &end) == 0;
+  for (std::uint32_t waited = 0; !TryEnter(); ++waited) {
+    if (waited == milliseconds) {
+      return false;
+    }
+    constexpr timespec kMillisecond = {0, 1000000};
+    nanosleep(&kMillisecond, nullptr);
+  }
+  return true;
 }
 
 void CriticalSection::Leave() { pthread_mutex_unlock(MutexIn(storage_)); }
