@@ -258,7 +258,7 @@ TEST_F(SessionTest, TheTraceIsThatOfTheCapturesCalls) {
   zt::testing::TraceCapture trace(7);
   std::shared_ptr<void> engine;
   ZtInitEngineCore(engine, options_.engine_id);
-  for (const Call& call : calls) {
+  for (Call& call : calls) {
     if (call.kind == CallKind::kInsertLog) {
       ZtInsertLog(engine, &call.record);
     } else {

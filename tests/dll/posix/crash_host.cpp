@@ -65,7 +65,7 @@ void MakeFull(int descriptor) {
 void FeedOneEvent(const LoadedLibrary& library) {
   std::shared_ptr<void> engine;
   library.Function<decltype(ZtInitEngineCore)>("ZtInitEngineCore")(engine, 1);
-  const LOG_ITEM event = zt::testing::ProcessCreate(4, 100, 1000, L"C:\\Tools\\Lock.exe");
+  LOG_ITEM event = zt::testing::ProcessCreate(4, 100, 1000, L"C:\\Tools\\Lock.exe");
   library.Function<decltype(ZtInsertLog)>("ZtInsertLog")(engine, &event);
 }
 
