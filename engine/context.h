@@ -51,7 +51,7 @@ namespace zt {
 std::shared_ptr<_ZtEngineCore> AcquireEngine(const std::shared_ptr<void>& handle);
 
 /// Whether a process counts as suspicious: a score of 2 or more, read as unsigned.
-inline bool IsSuspicious(const ZT_PID_ITEM& process) { return static_cast<std::uint32_t>(process.Score) >= 2; }
+inline bool IsSuspicious(const ProcessItem& process) { return static_cast<std::uint32_t>(process.Score) >= 2; }
 
 /// Tells the engine's observer, if there is one, that a score was set.
 inline void ReportScore(const _ZtEngineCore& engine, const ZtProcKey& process, ScoreReport::Cause cause, std::int32_t before,

@@ -6,8 +6,8 @@
 
 #include "engine/file_events.h"
 #include "engine/line_scoring.h"
-#include "engine/paths.h"
 #include "engine/process_events.h"
+#include "engine/text.h"
 #include "engine/tracing.h"
 
 namespace zt {
@@ -28,19 +28,20 @@ void TraceRecord(const Event& event, bool first_pass) {
   const char* format = first_pass ? "[[ log: Time %lld Pid %lu Tid %ld path %s behavior %08x target_pid %ld target %ws ]]"
                                   : "log: Time %lld Pid %lu Tid %ld path %s behavior %08x target_pid %ld target %ws";
   ZT_TRACE_DEBUG(format, Trace64(log.Time), TraceU32(log.Pid), Trace32(log.Tid), path.data(), log.Behavior,
-                 Trace32(log.TargetPid), event.target.c_str());
+                 Trace32(log.TargetPid), Widen(event.target()).c_str());
 }
 
 void ScoreProcessLine(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process) {
   const std::int32_t before = process.Item.Score;
-  process.Item.Score = ScoreLine(engine, event.log.Behavior, event.target, before);
+  process.Item.Score = ScoreLine(engine, event.log.Behavior, event.target(), before);
   if (process.Item.Score != before) {
     ReportScore(engine, process.key, ScoreReport::Cause::kModuleLoad, before, process.Item.Score);
   }
 }
 
 /// The processing of an event that has a target.
-std::uint32_t ProcessTarget(_ZtEngineCore& engine, const Event& event, const ZtProcKey& key, StepOutcome& outcome) {
+std::uint32_t ProcessTarget(_ZtEngineCore& engine, Insertion& insertion, const ZtProcKey& key) {
+  const Event& event = insertion.event;
   if (event.log.Behavior == BehaviorProcessCreate) {
     HandleProcessCreate(engine, event, key);
   }
@@ -50,25 +51,23 @@ std::uint32_t ProcessTarget(_ZtEngineCore& engine, const Event& event, const ZtP
     return 1;
   }
   ScoreProcessLine(engine, event, *process);
-  return HandleFileEvent(engine, event, *process, outcome);
+  return HandleFileEvent(engine, insertion, *process);
 }
 
 }  // namespace
 
-Event::Event(const LOG_ITEM& record) : log(record), target(WidenTarget(record)), lower_target(ToLower(target)) {}
-
-std::uint32_t ZtProcessLogItem(_ZtEngineCore& engine, const Event& event, const ZtProcKey& key, StepOutcome& outcome,
-                               bool first_pass) {
+std::uint32_t ZtProcessLogItem(_ZtEngineCore& engine, Insertion& insertion, const ZtProcKey& key, bool first_pass) {
+  const Event& event = insertion.event;
   ZT_TRACE_DEBUG("%s", kSeparatorLine);
   TraceRecord(event, first_pass);
   std::uint32_t result = 1;
-  if (event.target.empty()) {
+  if (event.target().empty()) {
     ZT_TRACE_DEBUG("No target string found");
     if (event.log.Behavior == BehaviorProcessExit) {
       HandleProcessExit(engine, key);
     }
   } else {
-    result = ProcessTarget(engine, event, key, outcome);
+    result = ProcessTarget(engine, insertion, key);
   }
   ZT_TRACE_DEBUG("%s", kSeparatorLine);
   return result;

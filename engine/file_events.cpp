@@ -2,37 +2,36 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
 #include <utility>
 
-#include "engine/paths.h"
 #include "engine/quarantine.h"
 #include "engine/similar_file.h"
+#include "engine/text.h"
 #include "engine/tracing.h"
 #include "engine/transition_callbacks.h"
 
 namespace zt {
 namespace {
 
-constexpr wchar_t kPartSeparator = L'|';
-
 /// One file event on its way through one process.
 class FileEvent {
  public:
-  FileEvent(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process, StepOutcome& outcome)
+  /// REQUIRES: the event's paths are complete.
+  FileEvent(_ZtEngineCore& engine, Insertion& insertion, ProcessTree::Entry& process)
       : engine_(engine),
-        event_(event),
+        event_(insertion.event),
+        paths_(insertion.Paths()),
+        path_(*paths_.path),
         process_(process),
         item_(process.Item),
-        outcome_(outcome),
-        event_path_(event.lower_target) {
-    context_.FilePath = &event.lower_target;
+        outcome_(insertion.outcome) {
+    context_.FilePath = &path_;
   }
 
   std::uint32_t Run() {
     Dispatch();
     if (context_.SectionRenamed != 0) {
-      AddToQuarantineList(written_path_.value_or(event_.lower_target), item_);
+      AddToQuarantineList(path_, item_);
     }
     return result_;
   }
@@ -51,25 +50,24 @@ class FileEvent {
   struct WriteParts;
   [[nodiscard]] bool IsWriteConsidered(const WriteParts& write) const;
   void RememberWrite(const WriteParts& write);
-  void StepSimilarToWritten(const std::wstring& path);
-  void StepSimilarToRenamed(const std::wstring& source, const std::wstring& destination);
-  void StepRenamed(const std::wstring& source, const std::wstring& destination);
+  void StepSimilarToWritten();
+  void StepSimilarToRenamed(PathName& destination);
+  void StepRenamed(PathName& destination);
 
-  [[nodiscard]] ZT_FILE_ITEM* Find(const std::wstring& path);
-  ZT_FILE_ITEM& Add(const std::wstring& path);
-  ZtFileMap::iterator FindSimilar(const std::wstring& path);
-  void MoveToWriteSimilar(ZT_FILE_ITEM& file);
-  void StepItem(ZT_FILE_ITEM& file);
+  [[nodiscard]] FileItem* Find(const PathName& path);
+  TrackedFile* FindSimilar(PathName& path);
+  void MoveToWriteSimilar(FileItem& file);
+  void StepItem(FileItem& file);
   void Step();
 
   _ZtEngineCore& engine_;
   const Event& event_;
+  EventPaths& paths_;
+  PathName& path_;  ///< The file, or the source of a rename.
   ProcessTree::Entry& process_;
-  ZT_PID_ITEM& item_;
+  ProcessItem& item_;
   StepOutcome& outcome_;
   TransitionContext context_;
-  std::wstring_view event_path_;  ///< What an observer is told: the path part of a write, the destination of a rename.
-  std::optional<std::wstring> written_path_;  ///< The path part of a write to a tracked file: what is quarantined then.
   std::uint32_t result_ = 1;
 };
 
@@ -109,88 +107,75 @@ void FileEvent::Dispatch() {
 }
 
 void FileEvent::Create() {
-  const std::wstring& path = event_.lower_target;
   context_.Log = &event_.log;
-  context_.FilePath = &event_.target;
-  if (ZT_FILE_ITEM* file = Find(path); file != nullptr) {
-    if (event_.log.Behavior == BehaviorCreateNew) {
-      file->Created = true;
-    }
+  if (FileItem* file = Find(path_); file != nullptr) {
+    file->Created = file->Created || event_.log.Behavior == BehaviorCreateNew;
     StepItem(*file);
   } else if (event_.log.TargetPid == 0) {
-    AddToCreatedFilesList(path, item_);
+    AddToCreatedFilesList(path_, item_);
     context_.SectionRenamed = 1;
-  } else if (!item_.CreatedFilesList.Contains(path)) {
-    StepItem(Add(path));
+  } else if (!item_.CreatedFilesList.Contains(path_)) {
+    StepItem(item_.files.FindOrAdd(path_).first->item);
   }
 }
 
 void FileEvent::Read() {
-  if (ZT_FILE_ITEM* file = Find(event_.lower_target); file != nullptr) {
+  if (FileItem* file = Find(path_); file != nullptr) {
     context_.ReadInfo = event_.log.TargetPid;
     StepItem(*file);
   }
 }
 
 void FileEvent::Delete() {
-  if (ZT_FILE_ITEM* file = Find(event_.lower_target); file != nullptr) {
+  if (FileItem* file = Find(path_); file != nullptr) {
     file->Similar = true;
     StepItem(*file);
   }
 }
 
 void FileEvent::DeleteCreated() {
-  if (ZT_FILE_ITEM* file = Find(event_.lower_target); file != nullptr && file->Created) {
+  if (FileItem* file = Find(path_); file != nullptr && file->Created) {
     file->Similar = true;
     StepItem(*file);
   }
 }
 
 void FileEvent::ChangeSize() {
-  if (ZT_FILE_ITEM* file = Find(event_.lower_target); file != nullptr) {
-    ZT_TRACE_DEBUG("File size of %ws has been modified, will need to be restored", event_.lower_target.c_str());
+  if (FileItem* file = Find(path_); file != nullptr) {
+    ZT_TRACE_DEBUG("File size of %ws has been modified, will need to be restored", Widen(path_.lower()).c_str());
     file->Similar = true;
   }
 }
 
 void FileEvent::SyncSection() {
-  if (ZT_FILE_ITEM* file = Find(event_.lower_target); file != nullptr) {
+  if (FileItem* file = Find(path_); file != nullptr) {
     StepItem(*file);
   }
 }
 
 void FileEvent::Write() {
-  const std::wstring& target = event_.lower_target;
-  const std::size_t separator = target.find(kPartSeparator);
-  if (separator == std::wstring::npos) {
-    return;
-  }
-  const std::wstring path = target.substr(0, separator);
-  event_path_ = path;
-  const wchar_t* const length_text = target.c_str() + separator + 1;
-
   WriteParts write;
   write.offset = event_.log.TargetPid;
-  write.length = static_cast<std::uint32_t>(ParseLength(length_text));
-  ZT_FILE_ITEM* const file = Find(path);
+  write.length = static_cast<std::uint32_t>(ParseLength(paths_.length_text));
+  FileItem* const file = Find(path_);
   if (file != nullptr) {
-    ZT_TRACE_DEBUG("File %ws needs to be restored", path.c_str());
+    ZT_TRACE_DEBUG("File %ws needs to be restored", Widen(path_.lower()).c_str());
     file->Similar = true;
     file->SimilarMark = true;
     write.size = file->ReadInfo;
     write.size32 = file->CreateInfo;
     context_.SectionRenamed = 1;
-    written_path_ = path;
   }
   const auto diff = static_cast<std::int32_t>(write.size32 - write.offset32());
   write.diff = static_cast<std::uint32_t>(std::max(diff, 0));
   ZT_TRACE_DEBUG("PreWrite:: Offset: %ld, Last offset: %ld, Filesize: %ld, Diff: %ld, Name: %ws, Length: %ld (%ws)",
-                 write.offset32(), item_.LastWriteOffset, write.size32, write.diff, path.c_str(), write.length, length_text);
+                 write.offset32(), item_.LastWriteOffset, write.size32, write.diff, Widen(path_.lower()).c_str(), write.length,
+                 Widen(paths_.length_text).c_str());
   if (IsWriteConsidered(write)) {
     if (file != nullptr) {
       StepItem(*file);
     } else {
-      StepSimilarToWritten(path);
+      StepSimilarToWritten();
     }
   }
   RememberWrite(write);
@@ -212,98 +197,88 @@ void FileEvent::RememberWrite(const WriteParts& write) {
   }
 }
 
-void FileEvent::StepSimilarToWritten(const std::wstring& path) {
-  const auto found = FindSimilar(path);
-  if (found == item_.files.end()) {
+void FileEvent::StepSimilarToWritten() {
+  TrackedFile* const found = FindSimilar(path_);
+  if (found == nullptr) {
     return;
   }
-  MoveToWriteSimilar(found->second);
+  MoveToWriteSimilar(found->item);
   ZT_TRACE_DEBUG("ZT_WRITE_SIMILAR");
   Step();
 }
 
 void FileEvent::Rename() {
-  const std::wstring& target = event_.lower_target;
-  const std::size_t separator = target.find(kPartSeparator);
-  if (separator == std::wstring::npos) {
-    return;
-  }
-  const std::wstring source = target.substr(0, separator);
-  std::wstring destination = target.substr(separator + 1);
-  if (destination.find(L'\\') == std::wstring::npos) {
-    destination.insert(0, source, 0, source.rfind(L'\\') + 1);  // Nothing where the source has no directory.
-    ZT_TRACE_DEBUG("Renamed file name did not include directory, appending: %ws", destination.c_str());
+  PathName& destination = *paths_.destination;
+  if (paths_.completed) {
+    ZT_TRACE_DEBUG("Renamed file name did not include directory, appending: %ws", Widen(destination.lower()).c_str());
   }
   // The text is misspelled; readers of traces search for it as it is.
-  ZT_TRACE_DEBUG("LB_PreSetInforamtionRename Src:%ws, Dst:%ws", source.c_str(), destination.c_str());
-  RemoveFromQuarantineList(source, item_);
+  ZT_TRACE_DEBUG("LB_PreSetInforamtionRename Src:%ws, Dst:%ws", Widen(path_.lower()).c_str(),
+                 Widen(destination.lower()).c_str());
+  RemoveFromQuarantineList(path_, item_);
   AddToQuarantineList(destination, item_);
-  event_path_ = destination;
-  StepSimilarToRenamed(source, destination);
-  StepRenamed(source, destination);
+  StepSimilarToRenamed(destination);
+  StepRenamed(destination);
 }
 
-void FileEvent::StepSimilarToRenamed(const std::wstring& source, const std::wstring& destination) {
-  const auto found = FindSimilar(destination);
-  if (found == item_.files.end()) {
+void FileEvent::StepSimilarToRenamed(PathName& destination) {
+  TrackedFile* const found = FindSimilar(destination);
+  if (found == nullptr) {
     return;
   }
-  const std::wstring& key = found->first;
-  ZT_FILE_ITEM& file = found->second;
+  FileItem& file = found->item;
   file.Renamed = true;
-  if (key == destination) {
+  if (found->key.Lower() == destination.lower()) {
     file.State = ZT_MAX;
-    ZT_TRACE_DEBUG("File renamed to another identically named flle: %ws ZT_MAX", key.c_str());
-  } else if (key != source) {
+    ZT_TRACE_DEBUG("File renamed to another identically named flle: %ws ZT_MAX", Widen(found->key.Lower()).c_str());
+  } else if (found->key.Lower() != path_.lower()) {
     MoveToWriteSimilar(file);
-    ZT_TRACE_DEBUG("File %ws is renamed to another similarly named flle %ws ZT_WRITE_SIMILAR", destination.c_str(),
-                   key.c_str());
+    ZT_TRACE_DEBUG("File %ws is renamed to another similarly named flle %ws ZT_WRITE_SIMILAR",
+                   Widen(destination.lower()).c_str(), Widen(found->key.Lower()).c_str());
     Step();
   }
 }
 
-void FileEvent::StepRenamed(const std::wstring& source, const std::wstring& destination) {
-  ZT_FILE_ITEM* const file = Find(source);
+void FileEvent::StepRenamed(PathName& destination) {
+  FileItem* const file = Find(path_);
   if (file == nullptr) {
     return;
   }
   // The copy is made before the source is marked, so the destination does not get the mark from this rename.
-  ZT_FILE_ITEM copy = *file;
+  FileItem copy = *file;
   copy.Renamed = true;
-  item_.FileIndex.FindOrAdd(item_.files, destination).first->second = std::move(copy);
+  item_.files.FindOrAdd(destination).first->item = std::move(copy);
   file->Similar = true;
   context_.SimilarFound = false;
   context_.PrevFolder = &item_.PrevFolder;
-  context_.SourcePath = source;
-  context_.DestPath = destination;
+  context_.SourcePath = path_.lower();
+  context_.DestPath = destination.lower();
   StepItem(*file);
 }
 
-ZT_FILE_ITEM* FileEvent::Find(const std::wstring& path) {
-  ZtFileMap::value_type* const found = item_.FileIndex.Find(item_.files, path);
-  return found == nullptr ? nullptr : &found->second;
+FileItem* FileEvent::Find(const PathName& path) {
+  TrackedFile* const found = item_.files.Find(path);
+  return found == nullptr ? nullptr : &found->item;
 }
 
-ZT_FILE_ITEM& FileEvent::Add(const std::wstring& path) { return item_.FileIndex.FindOrAdd(item_.files, path).first->second; }
-
-ZtFileMap::iterator FileEvent::FindSimilar(const std::wstring& path) {
+TrackedFile* FileEvent::FindSimilar(PathName& path) {
   outcome_.BeforeSearch(item_);
-  const auto found = SearchSimilarFile(item_.NameDiff, item_.files, &item_.FileIndex, path);
-  if (found != item_.files.end() && engine_.Observer != nullptr) {
-    engine_.Observer->OnSimilarFile(process_.key, path, found->first);
+  TrackedFile* const found = SearchSimilarFile(item_.NameDiff, item_.files, path);
+  if (found != nullptr && engine_.Observer != nullptr) {
+    engine_.Observer->OnSimilarFile(process_.key, Widen(path.lower()), Widen(found->key.Lower()));
   }
   return found;
 }
 
 // The step then starts from the state before the move: only so can the callbacks that want a similar file run at all.
-void FileEvent::MoveToWriteSimilar(ZT_FILE_ITEM& file) {
+void FileEvent::MoveToWriteSimilar(FileItem& file) {
   context_.Item = &file;
   context_.PrevState = file.State;
   context_.SimilarFound = true;
   file.State = ZT_WRITE_SIMILAR;
 }
 
-void FileEvent::StepItem(ZT_FILE_ITEM& file) {
+void FileEvent::StepItem(FileItem& file) {
   context_.Item = &file;
   context_.PrevState = file.State;
   Step();
@@ -320,31 +295,36 @@ void FileEvent::Step() {
   result_ = static_cast<std::uint32_t>(penalty);
   if (engine_.Observer != nullptr) {
     const std::wstring file_path = context_.Item->Path.Wide();
+    const std::wstring event_path = Widen((paths_.destination ? *paths_.destination : path_).lower());
     engine_.Observer->OnStep(
-        {process_.key, file_path, event_path_, context_.PrevState, context_.Item->State, penalty, context_.SimilarFound});
+        {process_.key, file_path, event_path, context_.PrevState, context_.Item->State, penalty, context_.SimilarFound});
   }
 }
 
 }  // namespace
 
-std::uint32_t HandleFileEvent(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process, StepOutcome& outcome) {
-  return FileEvent(engine, event, process, outcome).Run();
+std::uint32_t HandleFileEvent(_ZtEngineCore& engine, Insertion& insertion, ProcessTree::Entry& process) {
+  const std::uint32_t behavior = insertion.event.log.Behavior;
+  if (behavior < BehaviorCreate || behavior > BehaviorDeleteAlt || !insertion.Paths().path) {
+    return 1;
+  }
+  return FileEvent(engine, insertion, process).Run();
 }
 
-std::int32_t ParseLength(std::wstring_view text) {
-  constexpr std::wstring_view kWhiteSpace = L" \t\n\v\f\r";
+std::int32_t ParseLength(std::u16string_view text) {
+  constexpr std::u16string_view kWhiteSpace = u" \t\n\v\f\r";
   text.remove_prefix(std::min(text.find_first_not_of(kWhiteSpace), text.size()));
-  const bool negative = text.starts_with(L'-');
-  if (negative || text.starts_with(L'+')) {
+  const bool negative = text.starts_with(u'-');
+  if (negative || text.starts_with(u'+')) {
     text.remove_prefix(1);
   }
   constexpr std::int64_t kBound = std::int64_t{1} << 32;
   std::int64_t value = 0;
-  for (const wchar_t digit : text) {
-    if (digit < L'0' || digit > L'9') {
+  for (const char16_t digit : text) {
+    if (digit < u'0' || digit > u'9') {
       break;
     }
-    value = std::min(value * 10 + (digit - L'0'), kBound);
+    value = std::min(value * 10 + (digit - u'0'), kBound);
   }
   return static_cast<std::int32_t>(std::clamp<std::int64_t>(negative ? -value : value, std::numeric_limits<std::int32_t>::min(),
                                                             std::numeric_limits<std::int32_t>::max()));

@@ -4,21 +4,20 @@
 #define ZT_ENGINE_FILE_EVENTS_H
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 #include "engine/context.h"
-#include "engine/event_processor.h"
+#include "engine/event.h"
 
 namespace zt {
 
-/// Applies the file behaviour of `event` to the records of `process`; any other behaviour does nothing. Returns and fills
-/// `outcome` as ZtProcessLogItem does. Throws std::bad_alloc with the records consistent.
-std::uint32_t HandleFileEvent(_ZtEngineCore& engine, const Event& event, ProcessTree::Entry& process, StepOutcome& outcome);
+/// Applies the file behaviour of an event to the records of `process`; any other behaviour does nothing. Returns and fills
+/// the insertion's outcome as ZtProcessLogItem does. Throws std::bad_alloc with the records consistent.
+std::uint32_t HandleFileEvent(_ZtEngineCore& engine, Insertion& insertion, ProcessTree::Entry& process);
 
 /// A decimal number as the C library reads it: white space, a sign, digits; 0 without digits; beyond 32 bits it stays at the
 /// bound.
-std::int32_t ParseLength(std::wstring_view text);
+std::int32_t ParseLength(std::u16string_view text);
 
 }  // namespace zt
 

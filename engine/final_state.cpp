@@ -1,39 +1,42 @@
 #include "engine/final_state.h"
 
 #include <iterator>
-#include <string_view>
 #include <set>
+#include <string>
 
+#include "engine/text.h"
 #include "engine/tracing.h"
 
 namespace zt {
 namespace {
 
-/// Paths that are not reported again: views of texts that do not change under the lock. Ordered, as a watched program chooses
-/// the paths: it could choose them so that the hashes of a hash set meet.
-using PathSet = std::set<std::u16string_view>;
+/// Paths that are not reported again, as they were shown. Ordered, as a watched program chooses the paths: it could choose them
+/// so that the hashes of a hash set meet.
+using PathSet = std::set<std::wstring>;
 
 /// The images of the suspicious members of the family of `key`: a malicious program is never handed back for restoring.
-std::vector<ZtText> SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key, FinalStateVisitor& visitor) {
-  std::vector<ZtText> images;
+PathSet SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key, FinalStateVisitor& visitor) {
+  PathSet images;
   for (const ProcessTree::Entry* member : ProcessFamily(engine.Tree, engine.Tree.FamilyRoot(key, engine.ScoreWalkLimit))) {
     if (IsSuspicious(member->Item)) {
-      images.emplace_back(member->Item.ImagePath);
+      images.insert(member->Item.ImagePath);
       visitor.OnExcludedImage(member->Item.ImagePath);
     }
   }
   return images;
 }
 
-bool IsRestored(const ZT_FILE_ITEM& file) { return file.State == ZT_SECTION_SYNC || file.State == ZT_OVERWRITE; }
+bool IsRestored(const FileItem& file) { return file.State == ZT_SECTION_SYNC || file.State == ZT_OVERWRITE; }
 
-/// Tells of each restore candidate whose path is not in `excluded`, which takes the path in: each path is reported once.
-void TellFiles(const ZT_PID_ITEM& process, PathSet& excluded, FinalStateVisitor& visitor) {
-  for (const auto& [key, file] : process.files) {
-    if (file.Similar && excluded.insert(file.Path.Units()).second) {
-      visitor.OnFile(key, file, IsRestored(file));
+/// Reports each restore candidate whose path is not in `excluded`, which takes the path in: each path is reported once.
+void ReportFiles(const ProcessItem& process, PathSet& excluded, FinalStateVisitor& visitor) {
+  const bool all = visitor.WantsFilesLeftOut();
+  for (const TrackedFile* const file :
+       process.files.Sorted([all](const TrackedFile& each) { return all || each.item.Similar; })) {
+    if (file->item.Similar && excluded.insert(file->item.Path.Wide()).second) {
+      visitor.OnFile(*file, IsRestored(file->item));
     } else {
-      visitor.OnFileLeftOut(file);
+      visitor.OnFileLeftOut(*file);
     }
   }
 }
@@ -44,18 +47,18 @@ class CopyForHost : public FinalStateVisitor {
   CopyForHost(std::uint32_t engine_id, std::map<std::wstring, ZT_FILE_ITEM_PUBLIC>& files, std::vector<std::wstring>& paths)
       : engine_id_(engine_id), files_(files), paths_(paths) {}
 
-  void OnQuarantine(const ZtPathList& list) override {
+  void OnQuarantine(const PathList& list) override {
     std::vector<std::wstring> paths = list.Paths();
     paths_.insert(paths_.begin(), std::make_move_iterator(paths.begin()), std::make_move_iterator(paths.end()));
   }
-  void OnFile(const std::wstring& key, const ZT_FILE_ITEM& file, bool restored) override {
+  void OnFile(const TrackedFile& file, bool restored) override {
     ZT_FILE_ITEM_PUBLIC item;
     item.EngineId = engine_id_;
-    item.Path = file.Path.Wide();
+    item.Path = file.item.Path.Wide();
     item.Restore = restored ? 1 : 0;
-    item.Context = file.Context;
-    files_.insert_or_assign(key, std::move(item));
-    ZT_TRACE_DEBUG_AT(1313, "%ws will get restored", file.Path.Wide().c_str());
+    item.Context = file.item.Context;
+    ZT_TRACE_DEBUG_AT(1313, "%ws will get restored", item.Path.c_str());
+    files_.insert_or_assign(Widen(file.key.Lower()), std::move(item));
   }
   void OnKey(const ZtProcKey& key) override {
     ZT_TRACE_DEBUG_AT(1283, "ZtGetFinalStateFileByPid:: Pid:%ld Time:%lld", Trace32(key.Pid), Trace64(key.Time));
@@ -64,9 +67,10 @@ class CopyForHost : public FinalStateVisitor {
   void OnMissingProcess(const ZtProcKey& key) override {
     ZT_TRACE_WARNING_AT(1321, "%ld does not exist in the tree", Trace32(key.Pid));
   }
-  void OnFileLeftOut(const ZT_FILE_ITEM& file) override {
-    ZT_TRACE_DEBUG_AT(1316, "%ws will not get restored", file.Path.Wide().c_str());
+  void OnFileLeftOut(const TrackedFile& file) override {
+    ZT_TRACE_DEBUG_AT(1316, "%ws will not get restored", file.item.Path.Wide().c_str());
   }
+  [[nodiscard]] bool WantsFilesLeftOut() const override { return IsTraced(kTraceDebug); }
 
  private:
   std::uint32_t engine_id_;
@@ -81,16 +85,12 @@ void TellFinalState(const _ZtEngineCore& engine, std::uint64_t pid, FinalStateVi
   const ZtProcKey key = {pid, start_time == nullptr ? 0 : *start_time};
   visitor.OnKey(key);
   const ProcessTree::Entry* process = engine.Tree.Find(key);
-  const std::vector<ZtText> images = SuspiciousImages(engine, key, visitor);
+  PathSet excluded = SuspiciousImages(engine, key, visitor);
   if (process == nullptr) {
     return visitor.OnMissingProcess(key);
   }
-  PathSet excluded;
-  for (const ZtText& image : images) {
-    excluded.insert(image.Units());
-  }
   visitor.OnQuarantine(process->Item.QuarantineList);
-  TellFiles(process->Item, excluded, visitor);
+  ReportFiles(process->Item, excluded, visitor);
 }
 
 }  // namespace zt

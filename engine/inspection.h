@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+#include "engine/files/path_list.h"
+#include "engine/files/tracked_file.h"
 #include "zteng/zteng.h"
 
 namespace zt {
@@ -89,16 +91,18 @@ class FinalStateVisitor {
   virtual ~FinalStateVisitor() = default;
 
   /// The process's quarantine list; called once, before any file, for a process that is in the tree.
-  virtual void OnQuarantine(const ZtPathList& list) = 0;
+  virtual void OnQuarantine(const PathList& list) = 0;
   /// One file that the report has, in the order of keys. `restored` is its restore flag.
-  virtual void OnFile(const std::wstring& key, const ZT_FILE_ITEM& file, bool restored) = 0;
+  virtual void OnFile(const TrackedFile& file, bool restored) = 0;
 
   /// What is not in the report but in the trace of the export, where it comes about: the key that is asked for, the images that
   /// are not handed back, a process that is not in the tree, a file that the report leaves out.
   virtual void OnKey(const ZtProcKey& /*key*/) {}
   virtual void OnExcludedImage(const std::wstring& /*image*/) {}
   virtual void OnMissingProcess(const ZtProcKey& /*key*/) {}
-  virtual void OnFileLeftOut(const ZT_FILE_ITEM& /*file*/) {}
+  virtual void OnFileLeftOut(const TrackedFile& /*file*/) {}
+  /// Whether OnFileLeftOut is to be called: files that are no restore candidates are then gone through, too.
+  [[nodiscard]] virtual bool WantsFilesLeftOut() const { return false; }
 };
 
 /// Tells `visitor` the final state of the newest process under `pid`; traces nothing. Takes the engine's lock. False, with

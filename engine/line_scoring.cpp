@@ -1,15 +1,16 @@
 #include "engine/line_scoring.h"
 
 #include <algorithm>
-#include <iterator>
 
+#include "engine/event.h"
 #include "engine/paths.h"
+#include "engine/text.h"
 #include "engine/tracing.h"
 
 namespace zt {
 
 // The comparison of names is exact: only the watched spelling counts.
-std::int32_t ScoreLine(const _ZtEngineCore& engine, std::uint32_t behavior, std::wstring_view target, std::int32_t score) {
+std::int32_t ScoreLine(const _ZtEngineCore& engine, std::uint32_t behavior, std::u16string_view target, std::int32_t score) {
   if (score == 0 || behavior != BehaviorModuleLoad) {
     return score;
   }
@@ -18,15 +19,11 @@ std::int32_t ScoreLine(const _ZtEngineCore& engine, std::uint32_t behavior, std:
     return score;
   }
   const std::vector<std::wstring>& names = row->second;
-  if (std::find(names.begin(), names.end(), FileNamePart(target)) == names.end()) {
+  const std::u16string_view loaded = FileNamePart(target);
+  if (std::none_of(names.begin(), names.end(), [loaded](const std::wstring& name) { return SameText(loaded, name); })) {
     return score;
   }
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(score) + 1);
-}
-
-std::wstring WidenTarget(const LOG_ITEM& log) {
-  const auto* const first = std::begin(log.Target);
-  return {first, std::find(first, std::end(log.Target), ZtWideChar{0})};
 }
 
 }  // namespace zt
@@ -36,7 +33,7 @@ ZtLong ZtCalculateSingleLineScore(std::shared_ptr<void>& engine, LOG_ITEM* item,
   if (!core || item == nullptr || score == 0) {
     return 0;
   }
-  return zt::ScoreLine(*core, item->Behavior, zt::WidenTarget(*item), static_cast<std::int32_t>(score));
+  return zt::ScoreLine(*core, item->Behavior, zt::TargetOf(*item), static_cast<std::int32_t>(score));
 }
 
 void ZtUpdateScore(std::shared_ptr<void>& engine, void* pid, ZtLong value) {

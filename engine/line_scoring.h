@@ -11,11 +11,8 @@
 namespace zt {
 
 /// `score`, or one more (wrapping) when the line loads a module of the watch table and `score` is not 0. `target` is the line's
-/// Target, widened.
-std::int32_t ScoreLine(const _ZtEngineCore& engine, std::uint32_t behavior, std::wstring_view target, std::int32_t score);
-
-/// A record's Target up to its terminator or the record's end, widened unit by unit.
-std::wstring WidenTarget(const LOG_ITEM& log);
+/// Target.
+std::int32_t ScoreLine(const _ZtEngineCore& engine, std::uint32_t behavior, std::u16string_view target, std::int32_t score);
 
 }  // namespace zt
 

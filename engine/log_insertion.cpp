@@ -6,7 +6,7 @@
 #include "engine/context.h"
 #include "engine/event_processor.h"
 #include "engine/parent_penalty.h"
-#include "engine/paths.h"
+#include "engine/text.h"
 #include "engine/tracing.h"
 #include "platform/clock.h"
 
@@ -30,29 +30,29 @@ ZtProcKey EventKey(const _ZtEngineCore& engine, const LOG_ITEM& log) {
 }
 
 /// Feeds the event to its process and, for a file behaviour, to the parent. Returns the greatest penalty, at least 1.
-std::uint32_t RunPasses(_ZtEngineCore& engine, const Event& event, const ZtProcKey& event_key, StepOutcome& outcome) {
-  const std::uint32_t penalty = std::max(1u, ZtProcessLogItem(engine, event, event_key, outcome, true));
+std::uint32_t RunPasses(_ZtEngineCore& engine, Insertion& insertion, const ZtProcKey& event_key) {
+  const std::uint32_t penalty = std::max(1u, ZtProcessLogItem(engine, insertion, event_key, true));
   const ProcessTree::Entry* process = engine.Tree.Find(event_key);
-  if (!IsFileBehavior(event.log.Behavior) || process == nullptr || NamesNoParent(process->parentKey)) {
+  if (!IsFileBehavior(insertion.event.log.Behavior) || process == nullptr || NamesNoParent(process->parentKey)) {
     return penalty;
   }
   const ZtProcKey parent_key = process->parentKey;
-  return std::max(penalty, ZtProcessLogItem(engine, event, parent_key, outcome, false));
+  return std::max(penalty, ZtProcessLogItem(engine, insertion, parent_key, false));
 }
 
 /// The file that a penalty is charged for, or null. A penalty of the parent's pass is looked up among the files of the event's
 /// own process, too: where that does not know the file, the penalty is dropped.
-ZtFileMap::value_type* ChargeableFile(ProcessTree::Entry* process, const std::wstring& path) {
+TrackedFile* ChargeableFile(ProcessTree::Entry* process, const PathName& path) {
   if (process == nullptr) {
     ZT_TRACE_DEBUG("Pid node not found\n");
     return nullptr;
   }
-  ZtFileMap::value_type* const file = process->Item.FileIndex.Find(process->Item.files, path);
+  TrackedFile* const file = process->Item.files.Find(path);
   if (file == nullptr) {
     ZT_TRACE_DEBUG("Cannot find file in file context\n");
     return nullptr;
   }
-  if (file->second.penalized) {
+  if (file->item.penalized) {
     ZT_TRACE_DEBUG("File already penalized\n");
     return nullptr;
   }
@@ -60,23 +60,25 @@ ZtFileMap::value_type* ChargeableFile(ProcessTree::Entry* process, const std::ws
 }
 
 /// Multiplies the scores of the process and of all its ancestors. Throws std::bad_alloc with nothing changed.
-void Charge(_ZtEngineCore& engine, const LOG_ITEM& log, ProcessTree::Entry& process, ZtFileMap::value_type& file,
+void Charge(_ZtEngineCore& engine, const LOG_ITEM& log, ProcessTree::Entry& process, TrackedFile& file, PathName& path,
             std::uint32_t penalty) {
-  ParentPenalty parent_penalty(penalty, log, file);
+  ParentPenalty parent_penalty(penalty, log.Time, path);
   engine.Tree.Climb(process.key, [&](ProcessTree::Entry& ancestor) {
     if (&ancestor != &process) {
       parent_penalty.Add(ancestor);
     }
   });
 
+  const std::wstring charged = engine.Observer == nullptr ? std::wstring() : Widen(path.lower());
+
   const std::int32_t before = process.Item.Score;
-  file.second.penalized = true;
+  file.item.penalized = true;
   process.Item.Score = MultiplyScore(before, penalty);
   process.Item.ScoreTime = log.Time;
-  ReportCharge(engine, process.key, ScoreReport::Cause::kPenalty, before, process.Item.Score, penalty, file.first);
+  ReportCharge(engine, process.key, ScoreReport::Cause::kPenalty, before, process.Item.Score, penalty, charged);
   parent_penalty.Charge([&](const ProcessTree::Entry& ancestor, std::int32_t ancestor_before) {
     ReportCharge(engine, ancestor.key, ScoreReport::Cause::kParentPenalty, ancestor_before, ancestor.Item.Score, penalty,
-                 file.first);
+                 charged);
   });
 }
 
@@ -101,23 +103,24 @@ std::uint32_t WalkScores(_ZtEngineCore& engine, ProcessTree::Entry& process) {
   return parent == nullptr ? score : std::max(score, ClampScore(engine, *parent));
 }
 
-/// Everything that happens under the lock. Returns the call's result. Throws std::bad_alloc with `outcome` to be taken back.
-std::uint32_t InsertEvent(_ZtEngineCore& engine, const Event& event, StepOutcome& outcome) {
-  const LOG_ITEM& log = event.log;
+/// Everything that happens under the lock. Returns the call's result. Throws std::bad_alloc with the outcome to be taken back.
+std::uint32_t InsertEvent(_ZtEngineCore& engine, Insertion& insertion) {
+  const LOG_ITEM& log = insertion.event.log;
   const ZtProcKey key = EventKey(engine, log);
-  const std::uint32_t penalty = RunPasses(engine, event, key, outcome);
+  const std::uint32_t penalty = RunPasses(engine, insertion, key);
   if (penalty <= 1) {
     return 0;
   }
   // The file is charged under the name that it was filled with: a renamed copy under its first one.
-  const std::wstring path = ToLower(outcome.stepped()->Path.Wide());
-  ZT_TRACE_DEBUG("ProcKey: (%d, %lld) Path: %ws Penalty: %d", Trace32(key.Pid), Trace64(key.Time), path.c_str(), penalty);
+  PathName path(insertion.outcome.stepped()->Path);
+  ZT_TRACE_DEBUG("ProcKey: (%d, %lld) Path: %ws Penalty: %d", Trace32(key.Pid), Trace64(key.Time), Widen(path.lower()).c_str(),
+                 penalty);
   ProcessTree::Entry* process = engine.Tree.Find(key);
-  ZtFileMap::value_type* file = ChargeableFile(process, path);
+  TrackedFile* file = ChargeableFile(process, path);
   if (file == nullptr) {
     return 0;
   }
-  Charge(engine, log, *process, *file, penalty);
+  Charge(engine, log, *process, *file, path, penalty);
   const std::uint32_t result = WalkScores(engine, *process);
   ZT_TRACE_WARNING("|--- [SCORE INCREASED] PID:%ld score: %d, TimeStamp: %lld ---|\n", Trace32(log.Pid), result,
                    Trace64(log.Time));
@@ -129,11 +132,11 @@ std::uint32_t InsertOrIgnore(_ZtEngineCore& engine, const LOG_ITEM& log) {
   try {
     const Event event(log);
     const CriticalSectionLock hold(engine.Lock);
-    StepOutcome outcome;
+    Insertion insertion(event);
     try {
-      return InsertEvent(engine, event, outcome);
+      return InsertEvent(engine, insertion);
     } catch (...) {
-      outcome.TakeBack();
+      insertion.outcome.TakeBack();
     }
   } catch (...) {
   }
@@ -149,8 +152,7 @@ ZtLong ZtInsertLog(std::shared_ptr<void>& engine, LOG_ITEM* log) {
     return 0;
   }
   const std::int64_t start = zt::SteadyNanoseconds();  // Also while no line wants it: that may change during the call.
-  const LOG_ITEM record = *log;
-  const std::uint32_t result = zt::InsertOrIgnore(*core, record);
+  const std::uint32_t result = zt::InsertOrIgnore(*core, *log);
   ZT_TRACE_DEBUG("Time past: %lld nanoseconds", zt::Trace64(zt::SteadyNanoseconds() - start));
   return static_cast<ZtLong>(result);
 }

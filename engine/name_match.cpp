@@ -3,18 +3,16 @@
 #include <algorithm>
 
 #include "engine/suspicious_extensions.h"
+#include "engine/text.h"
 #include "engine/tracing.h"
 
 namespace zt {
 namespace {
 
-bool Contains(std::wstring_view text, std::wstring_view part) { return text.find(part) != std::wstring_view::npos; }
-
-// For traces, which want a terminator.
-std::wstring Text(std::wstring_view view) { return std::wstring(view); }
+bool Contains(std::u16string_view text, std::u16string_view part) { return text.find(part) != std::u16string_view::npos; }
 
 /// Whether the process showed this difference last; if not, learns it.
-bool MatchesOrLearn(std::wstring& name_diff, std::wstring_view difference) {
+bool MatchesOrLearn(std::u16string& name_diff, std::u16string_view difference) {
   if (name_diff == difference) {
     return true;
   }
@@ -23,10 +21,11 @@ bool MatchesOrLearn(std::wstring& name_diff, std::wstring_view difference) {
 }
 
 /// The item's whole name stands in the target's at `position`: what was put around it is the difference.
-bool MatchContainedName(std::wstring& name_diff, const TargetName& target, std::wstring_view item_name, std::size_t position) {
-  const std::wstring_view before = target.name.substr(0, position);
-  const std::wstring_view after = target.name.substr(position + item_name.size());
-  ZT_TRACE_DEBUG_AT(233, "Name diff: %ws", Text(before).append(after).c_str());
+bool MatchContainedName(std::u16string& name_diff, const TargetName& target, std::u16string_view item_name,
+                        std::size_t position) {
+  const std::u16string_view before = target.name.substr(0, position);
+  const std::u16string_view after = target.name.substr(position + item_name.size());
+  ZT_TRACE_DEBUG_AT(233, "Name diff: %ws", (Widen(before) + Widen(after)).c_str());
   if (name_diff.size() == before.size() + after.size() && name_diff.starts_with(before) && name_diff.ends_with(after)) {
     return true;
   }
@@ -35,37 +34,40 @@ bool MatchContainedName(std::wstring& name_diff, const TargetName& target, std::
   return false;
 }
 
+/// Whether an extension in common use is spelled exactly so: without a dot.
+bool IsCommon(std::u16string_view extension) {
+  return !extension.starts_with(u'.') &&
+         std::find(SuspiciousExtensions.begin(), SuspiciousExtensions.end(), extension) != SuspiciousExtensions.end();
+}
+
 /// The extension is new. Its dot makes it differ from every common extension, which are listed without: none is excused.
-bool MatchNewExtension(std::wstring& name_diff, const TargetName& target, std::wstring_view item_stem) {
-  if (std::find(SuspiciousExtensions.begin(), SuspiciousExtensions.end(), target.dotted) != SuspiciousExtensions.end()) {
-    return false;
-  }
-  return item_stem.size() == target.stem.size() && MatchesOrLearn(name_diff, target.dotted);
+bool MatchNewExtension(std::u16string& name_diff, const TargetName& target, std::u16string_view item_stem) {
+  return !IsCommon(target.dotted) && item_stem.size() == target.stem.size() && MatchesOrLearn(name_diff, target.dotted);
 }
 
 /// The extension stayed and the stem has grown: its tail is the difference.
-bool MatchGrownStem(std::wstring& name_diff, const TargetName& target, std::wstring_view item_name,
-                    std::wstring_view item_stem) {
-  const std::wstring_view difference = target.stem.substr(item_stem.size());
-  ZT_TRACE_DEBUG_AT(255, "Ext diff: %ws, targetname: %ws, itemname: %ws", Text(difference).c_str(), Text(target.name).c_str(),
-                    Text(item_name).c_str());
+bool MatchGrownStem(std::u16string& name_diff, const TargetName& target, std::u16string_view item_name,
+                    std::u16string_view item_stem) {
+  const std::u16string_view difference = target.stem.substr(item_stem.size());
+  ZT_TRACE_DEBUG_AT(255, "Ext diff: %ws, targetname: %ws, itemname: %ws", Widen(difference).c_str(), Widen(target.name).c_str(),
+                    Widen(item_name).c_str());
   return MatchesOrLearn(name_diff, difference);
 }
 
 }  // namespace
 
-bool MatchName(std::wstring& name_diff, const TargetName& target, std::wstring_view item_name) {
+bool MatchName(std::u16string& name_diff, const TargetName& target, std::u16string_view item_name) {
   const std::size_t position = target.name.find(item_name);
-  if (position != std::wstring_view::npos) {
+  if (position != std::u16string_view::npos) {
     return MatchContainedName(name_diff, target, item_name, position);
   }
-  const std::wstring_view item_stem = Stem(item_name);
+  const std::u16string_view item_stem = Stem(item_name);
   if (target.dotted.empty() || !Contains(target.name, item_stem)) {
     return false;
   }
-  const std::wstring_view item_dotted = DottedExtension(item_name);
-  ZT_TRACE_DEBUG_AT(242, "Extension is %ws, extension2 is %ws, itemext is %ws", Text(target.dotted).c_str(),
-                    Text(target.after_first_dot).c_str(), Text(item_dotted).c_str());
+  const std::u16string_view item_dotted = DottedExtension(item_name);
+  ZT_TRACE_DEBUG_AT(242, "Extension is %ws, extension2 is %ws, itemext is %ws", Widen(target.dotted).c_str(),
+                    Widen(target.after_first_dot).c_str(), Widen(item_dotted).c_str());
   // The extension took the dot's place: the item's name is as long as the target's stem.
   if (Contains(target.name, LastExtension(item_name)) && UpToZero(item_name).size() == UpToZero(target.stem).size()) {
     return MatchesOrLearn(name_diff, target.dotted);

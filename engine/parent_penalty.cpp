@@ -7,8 +7,7 @@ namespace zt {
 ParentPenalty::~ParentPenalty() {
   for (const Ancestor& ancestor : ancestors_) {
     if (ancestor.is_new) {
-      ZT_PID_ITEM& item = ancestor.entry->Item;
-      item.FileIndex.Erase(item.files, item.files.find(ancestor.file->first));
+      ancestor.entry->Item.files.Erase(*ancestor.file, file_.hash());
     }
   }
 }
@@ -16,7 +15,7 @@ ParentPenalty::~ParentPenalty() {
 void ParentPenalty::Add(ProcessTree::Entry& ancestor) {
   ancestors_.push_back({&ancestor, nullptr, false});
   try {
-    const auto [file, is_new] = ancestor.Item.FileIndex.FindOrAdd(ancestor.Item.files, file_.first);
+    const auto [file, is_new] = ancestor.Item.files.FindOrAdd(file_);
     ancestors_.back().file = file;
     ancestors_.back().is_new = is_new;
   } catch (...) {
@@ -26,14 +25,14 @@ void ParentPenalty::Add(ProcessTree::Entry& ancestor) {
 }
 
 bool ParentPenalty::ChargeOne(const Ancestor& ancestor) const {
-  ZT_PID_ITEM& item = ancestor.entry->Item;
+  ProcessItem& item = ancestor.entry->Item;
   ZT_TRACE_DEBUG_AT(769, "Parent pid %d", Trace32(item.Pid));
-  ZT_FILE_ITEM& file = ancestor.file->second;
+  FileItem& file = ancestor.file->item;
   if (file.penalized) {
     return false;
   }
   item.Score = MultiplyScore(item.Score, factor_);
-  item.ScoreTime = log_.Time;
+  item.ScoreTime = time_;
   file.penalized = true;
   if (ancestor.is_new) {
     ZT_TRACE_DEBUG_AT(781, "Parent Penalty %d, new file added to proc %d", factor_, Trace32(item.Pid));

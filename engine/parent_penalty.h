@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "engine/process_tree.h"
-#include "zteng/zteng.h"
 
 namespace zt {
 
@@ -17,11 +16,13 @@ constexpr std::int32_t MultiplyScore(std::int32_t score, std::uint32_t factor) {
 }
 
 /// Charges one file to the ancestors of a process: to all of them, or, where memory is exhausted, to none. All that can fail is
-/// done by Add. Borrows the event, the file's entry and the ancestors: it must not outlive the insertion that made it.
+/// done by Add. Borrows the file's path and the ancestors: it must not outlive the insertion that made it.
 class ParentPenalty {
  public:
-  ParentPenalty(std::uint32_t factor, const LOG_ITEM& log, const ZtFileMap::value_type& file)
-      : factor_(factor), log_(log), file_(file) {}
+  /// @param factor  the penalty
+  /// @param time    LOG_ITEM::Time of the event that is charged for
+  /// @param file    the charged file's key
+  ParentPenalty(std::uint32_t factor, std::int64_t time, PathName& file) : factor_(factor), time_(time), file_(file) {}
   ParentPenalty(const ParentPenalty&) = delete;
   ParentPenalty& operator=(const ParentPenalty&) = delete;
   /// Takes the records back that were made for a charge that did not follow.
@@ -46,15 +47,15 @@ class ParentPenalty {
  private:
   struct Ancestor {
     ProcessTree::Entry* entry;
-    ZtFileMap::value_type* file;  ///< In the ancestor's records.
-    bool is_new;                  ///< The record was made by Add.
+    TrackedFile* file;  ///< In the ancestor's records.
+    bool is_new;        ///< The record was made by Add.
   };
 
   bool ChargeOne(const Ancestor& ancestor) const;
 
   std::uint32_t factor_;
-  const LOG_ITEM& log_;
-  const ZtFileMap::value_type& file_;
+  std::int64_t time_;
+  PathName& file_;
   std::vector<Ancestor> ancestors_;
 };
 

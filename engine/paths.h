@@ -1,35 +1,36 @@
-// Pure functions on wide paths. Views in, views out: nothing is copied but by ToLower.
+// Pure functions on paths. Views in, views out: nothing is copied.
 
 #ifndef ZT_ENGINE_PATHS_H
 #define ZT_ENGINE_PATHS_H
 
-#include <cstddef>
-#include <string>
 #include <string_view>
 
 namespace zt {
 
 /// Up to, not including, the last "\"; the whole path when it has none.
-std::wstring_view Folder(std::wstring_view path);
+std::u16string_view Folder(std::u16string_view path);
 /// After the last "\"; the whole path when it has none.
-std::wstring_view Name(std::wstring_view path);
+std::u16string_view Name(std::u16string_view path);
 /// A name up to, not including, its last "."; the whole name when it has none.
-std::wstring_view Stem(std::wstring_view name);
+std::u16string_view Stem(std::u16string_view name);
 /// A name after its last "."; the whole name when it has none.
-std::wstring_view LastExtension(std::wstring_view name);
+std::u16string_view LastExtension(std::u16string_view name);
 /// A name after its first "."; the whole name when it has none.
-std::wstring_view AfterFirstDot(std::wstring_view name);
+std::u16string_view AfterFirstDot(std::u16string_view name);
 /// From the last "." that no space or "\" follows, with the dot; empty when there is none. Reads up to the first zero unit.
-std::wstring_view DottedExtension(std::wstring_view name);
+std::u16string_view DottedExtension(std::u16string_view name);
 /// After the last "\", "/" or ":" that something other than a "\" or "/" follows; the whole path when there is none. Reads up
 /// to the first zero unit.
-std::wstring_view FileNamePart(std::wstring_view path);
+std::u16string_view FileNamePart(std::u16string_view path);
 /// Up to the first zero unit.
-std::wstring_view UpToZero(std::wstring_view text);
-/// The number of units that both texts begin with.
-std::size_t CommonPrefix(std::wstring_view a, std::wstring_view b);
-/// Each of A to Z by itself, and nothing else: the keys of records must not change with the locale that the host sets.
-std::wstring ToLower(std::wstring_view text);
+std::u16string_view UpToZero(std::u16string_view text);
+
+// The case of letters: of A to Z and nothing else, as the keys of records must not change with the locale that a host sets.
+
+constexpr bool IsUpper(char16_t unit) { return unit >= u'A' && unit <= u'Z'; }
+constexpr char16_t ToLower(char16_t unit) { return IsUpper(unit) ? static_cast<char16_t>(unit + (u'a' - u'A')) : unit; }
+/// REQUIRES: `unit` is one of a to z.
+constexpr char16_t ToUpper(char16_t unit) { return static_cast<char16_t>(unit - (u'a' - u'A')); }
 
 }  // namespace zt
 

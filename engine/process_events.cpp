@@ -3,17 +3,18 @@
 #include <string_view>
 #include <utility>
 
+#include "engine/text.h"
 #include "engine/tracing.h"
 
 namespace zt {
 namespace {
 
-constexpr std::wstring_view kNativePrefix = L"\\??\\";
+constexpr std::u16string_view kNativePrefix = u"\\??\\";
 
 /// The image path of a created process: the target in its own letter case, without the prefix of native paths.
-std::wstring_view ImagePath(const Event& event) {
-  const std::wstring_view target = event.target;
-  return std::wstring_view(event.lower_target).starts_with(kNativePrefix) ? target.substr(kNativePrefix.size()) : target;
+std::u16string_view ImagePath(const Event& event) {
+  const std::u16string_view target = event.target();
+  return target.starts_with(kNativePrefix) ? target.substr(kNativePrefix.size()) : target;
 }
 
 }  // namespace
@@ -21,10 +22,10 @@ std::wstring_view ImagePath(const Event& event) {
 void HandleProcessCreate(_ZtEngineCore& engine, const Event& event, const ZtProcKey& creator) {
   const ZtProcKey child = {event.log.TargetPid, event.log.Time};
   ZT_TRACE_DEBUG("PID:%ld add new PID:%ld %lld", Trace32(creator.Pid), Trace32(child.Pid), Trace64(child.Time));
-  ZT_PID_ITEM item;
+  ProcessItem item;
   item.Score = 1;
   item.Pid = child.Pid;
-  item.ImagePath = ImagePath(event);
+  item.ImagePath = Widen(ImagePath(event));
 
   const auto [start_time, is_new] = engine.StartTimes.try_emplace(child.Pid, child.Time);
   try {

@@ -4,7 +4,7 @@
 #define ZT_ENGINE_PROCESS_EVENTS_H
 
 #include "engine/context.h"
-#include "engine/event_processor.h"
+#include "engine/event.h"
 
 namespace zt {
 

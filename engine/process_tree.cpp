@@ -26,7 +26,7 @@ const ProcessTree::Entry* ProcessTree::Find(const ZtProcKey& key) const {
   return found == entries_.end() ? nullptr : &found->second;
 }
 
-ProcessTree::Entry& ProcessTree::Insert(const ZtProcKey& child_key, const ZtProcKey& parent_key, ZT_PID_ITEM item) {
+ProcessTree::Entry& ProcessTree::Insert(const ZtProcKey& child_key, const ZtProcKey& parent_key, ProcessItem item) {
   // Whatever can throw comes first.
   Entry* parent = Find(parent_key);
   if (parent != nullptr) {

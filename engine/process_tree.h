@@ -12,6 +12,7 @@
 #include <memory_resource>
 #include <vector>
 
+#include "engine/process_item.h"
 #include "zteng/zt_items.h"
 
 namespace zt {
@@ -34,7 +35,7 @@ class ProcessTree {
     std::uint32_t LeavingChildren = 0;  ///< Within a collection: how many entries with this one as their parent are erased.
     bool Leaving = false;               ///< Within a collection: this entry is erased.
     bool Unlinked = false;              ///< Within a collection: its parent's link to it is gone.
-    ZT_PID_ITEM Item;
+    ProcessItem Item;
   };
   using Map = std::map<ZtProcKey, Entry>;
 
@@ -55,7 +56,7 @@ class ProcessTree {
   /// Enters a process under its creator. When the creator is in the tree, it is linked both ways and the live counts of the
   /// creator and its ancestors are raised; else the process is entered without a link. An entry that exists already under
   /// `child_key` keeps its children and its exited flag. Throws std::bad_alloc with nothing changed.
-  Entry& Insert(const ZtProcKey& child_key, const ZtProcKey& parent_key, ZT_PID_ITEM item);
+  Entry& Insert(const ZtProcKey& child_key, const ZtProcKey& parent_key, ProcessItem item);
 
   /// Marks `entry` as exited and lowers the live counts of it and its ancestors.
   void MarkExited(Entry& entry);

@@ -3,18 +3,16 @@
 #ifndef ZT_ENGINE_QUARANTINE_H
 #define ZT_ENGINE_QUARANTINE_H
 
-#include <string>
-
-#include "zteng/zt_items.h"
+#include "engine/process_item.h"
 
 namespace zt {
 
 /// Appends `path` to the quarantine list of `process`; false when it is there already.
-bool AddToQuarantineList(const std::wstring& path, ZT_PID_ITEM& process);
+bool AddToQuarantineList(PathName& path, ProcessItem& process);
 /// Removes `path` from the quarantine list of `process`; false when it is not there.
-bool RemoveFromQuarantineList(const std::wstring& path, ZT_PID_ITEM& process);
+bool RemoveFromQuarantineList(const PathName& path, ProcessItem& process);
 /// Appends `path` to the created-files list of `process` unless it is there already.
-void AddToCreatedFilesList(const std::wstring& path, ZT_PID_ITEM& process);
+void AddToCreatedFilesList(PathName& path, ProcessItem& process);
 
 }  // namespace zt
 

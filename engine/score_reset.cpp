@@ -1,6 +1,7 @@
 // The periodic clean-up: old scores fall back to 1, old file records are forgotten, exited processes leave the tree.
 
 #include "engine/context.h"
+#include "engine/text.h"
 #include "engine/tracing.h"
 
 namespace zt {
@@ -12,7 +13,7 @@ std::int64_t Age(std::int64_t now, std::int64_t stamp) {
 }
 
 void ResetOldScore(_ZtEngineCore& engine, ProcessTree::Entry& process, std::int64_t now, std::int64_t score_age_limit) {
-  ZT_PID_ITEM& item = process.Item;
+  ProcessItem& item = process.Item;
   if (Age(now, item.ScoreTime) <= score_age_limit) {
     return;
   }
@@ -24,16 +25,19 @@ void ResetOldScore(_ZtEngineCore& engine, ProcessTree::Entry& process, std::int6
   ReportScore(engine, process.key, ScoreReport::Cause::kReset, before, item.Score);
 }
 
-void ForgetOldFiles(const _ZtEngineCore& engine, ZT_PID_ITEM& item, std::int64_t now) {
-  for (auto file = item.files.begin(); file != item.files.end();) {
-    const std::int64_t age = Age(now, file->second.FirstTime);
-    if (age <= engine.fileKeepTime || file->second.Similar) {
-      ++file;
-      continue;
-    }
+// Files are forgotten in no order, but in that of their keys where the trace shows it.
+void ForgetOldFiles(const _ZtEngineCore& engine, ProcessItem& item, std::int64_t now) {
+  const auto is_old = [&](const TrackedFile& file) {
+    return Age(now, file.item.FirstTime) > engine.fileKeepTime && !file.item.Similar;
+  };
+  if (!IsTraced(kTraceDebug)) {
+    item.files.EraseIf(is_old);
+    return;
+  }
+  for (TrackedFile* const file : item.files.Sorted(is_old)) {
     ZT_TRACE_DEBUG_AT(1263, "File %ws does not need recovery, will be erased from file context. Time elapsed %lld",
-                      file->first.c_str(), Trace64(age));
-    file = item.FileIndex.Erase(item.files, file);
+                      Widen(file->key.Lower()).c_str(), Trace64(Age(now, file->item.FirstTime)));
+    item.files.Erase(*file);
   }
 }
 

@@ -1,69 +1,85 @@
 // The similar-file search. A process that transforms files applies one name difference to all of them: an added extension, an
-// added prefix, a changed stem. The search walks the process's files, works out by which difference the target's name would
-// come from each file's name, and compares it with the difference that the process showed last. A new difference is learned, so
-// the first file of a series only teaches it; from the second on, the file is recognised.
+// added prefix, a changed stem. The search goes through the process's files in order, works out by which difference the
+// target's name would come from each file's name, and compares it with the difference that the process showed last. A new
+// difference is learned, so the first file of a series only teaches it; from the second on, the file is recognised.
 
 #include "engine/similar_file.h"
 
+#include <algorithm>
+
 #include "engine/context.h"
-#include "engine/file_order.h"
 #include "engine/name_match.h"
 #include "engine/paths.h"
+#include "engine/text.h"
 
 namespace zt {
-namespace {
 
-/// Up to so many files a walk over all of them is cheaper than look-ups.
-constexpr std::size_t kFilesToWalk = 8;
-
-/// The search as it is defined: the first entry in order that stands in the target as it is, or matches by name.
-ZtFileMap::iterator WalkFiles(std::wstring& name_diff, ZtFileMap& files, std::wstring_view target) {
-  const std::wstring_view target_folder = Folder(target);
-  const TargetName target_name(target);
-  for (auto entry = files.begin(); entry != files.end(); ++entry) {
-    const std::wstring_view key = entry->first;
-    if (target.find(key) != std::wstring_view::npos) {
-      return entry;
-    }
-    if (Folder(key) == target_folder && MatchName(name_diff, target_name, Name(key))) {
-      return entry;
-    }
-  }
-  return files.end();
-}
-
-/// The same without the entries that cannot match: only the smallest key that stands in the target ends the walk as it is, and
-/// only entries of the target's folder whose stem stands in its name do anything before that.
-ZtFileMap::iterator SearchByOrder(std::wstring& name_diff, ZtFileMap& files, ZtFileIndex* index, std::wstring_view target) {
-  FileOrder order(files, index);
-  const auto contained = order.SmallestKeyIn(target);
-  const TargetName target_name(target);
-  FoundFiles found;
-  order.FindStemsIn(Folder(target), target_name.name, contained, found);
-  for (const auto& entry : found.SortedByKey()) {
-    if (contained != files.end() && entry->first >= contained->first) {
+// Files whose stem does not occur in the target's name do nothing, but for the smallest key that occurs in the target: it ends
+// the search.
+TrackedFile* SearchSimilarFile(std::u16string& name_diff, FileTable& files, PathName& target, std::size_t small_group) {
+  TrackedFile* const contained = SmallestKeyIn(target, files);
+  const TargetName target_name(target.lower());
+  SimilarCandidates candidates(target, files, small_group);
+  while (TrackedFile* const file = candidates.Next()) {
+    if (contained != nullptr && !KeyLess()(file, contained)) {
       break;
     }
-    if (MatchName(name_diff, target_name, Name(entry->first))) {
-      return entry;
+    if (MatchName(name_diff, target_name, Name(file->key.Lower()))) {
+      return file;
     }
   }
   return contained;
 }
 
-}  // namespace
+namespace {
 
-ZtFileMap::iterator SearchSimilarFile(std::wstring& name_diff, ZtFileMap& files, ZtFileIndex* index, std::wstring_view target) {
-  return files.size() <= kFilesToWalk ? WalkFiles(name_diff, files, target) : SearchByOrder(name_diff, files, index, target);
+/// Copies one kind of text to the other. Allocates only where `to` has no room.
+template <typename To, typename From>
+void Assign(To& to, const From& from) {
+  to.resize(from.size());
+  std::copy(from.begin(), from.end(), to.begin());
 }
 
+/// Puts what was learned back into the host's record, also where the search ends by an exception.
+class LearnedDifference {
+ public:
+  /// `longest` is the length of the longest difference that can be learned.
+  LearnedDifference(std::wstring& shown, std::size_t longest) : shown_(shown), units_(ToUnits(shown)) {
+    shown_.reserve(std::max(shown.size(), longest));
+  }
+  ~LearnedDifference() { Assign(shown_, units_); }
+  LearnedDifference(const LearnedDifference&) = delete;
+  LearnedDifference& operator=(const LearnedDifference&) = delete;
+
+  std::u16string& units() { return units_; }
+
+ private:
+  std::wstring& shown_;
+  std::u16string units_;
+};
+
+}  // namespace
 }  // namespace zt
 
+// The host's map is walked, as nobody but the host knows what it did to it.
 ZtFileMap::iterator ZtSearchSimilarFile(std::shared_ptr<_ZtEngineCore>& engine, ZT_PID_ITEM& process, ZtFileMap& files,
                                         std::wstring target) {  // NOLINT(performance-unnecessary-value-param): the interface.
-  if (!engine || !engine->Lock.IsInitialised()) {
+  if (!engine || !engine->Lock.IsInitialised() || files.empty()) {
     return files.end();
   }
-  // Without the process's index: the map is the host's, who changes it as it likes.
-  return zt::SearchSimilarFile(process.NameDiff, files, nullptr, target);
+  const std::u16string target_units = zt::ToUnits(target);
+  const std::u16string_view target_folder = zt::Folder(target_units);
+  const zt::TargetName target_name(target_units);
+  zt::LearnedDifference name_diff(process.NameDiff, target.size());
+  std::u16string key;
+  for (auto entry = files.begin(); entry != files.end(); ++entry) {
+    zt::Assign(key, entry->first);
+    if (target_units.find(key) != std::u16string::npos) {
+      return entry;
+    }
+    if (zt::Folder(key) == target_folder && zt::MatchName(name_diff.units(), target_name, zt::Name(key))) {
+      return entry;
+    }
+  }
+  return files.end();
 }

@@ -1,20 +1,26 @@
-// Finds the file of which a path is a transformed copy.
+// Finds the file of which a path is a transformed copy. docs/similar-search.md explains how.
 
 #ifndef ZT_ENGINE_SIMILAR_FILE_H
 #define ZT_ENGINE_SIMILAR_FILE_H
 
+#include <cstddef>
 #include <string>
-#include <string_view>
 
-#include "zteng/zt_items.h"
+#include "engine/files/file_table.h"
+#include "engine/files/path_name.h"
+#include "engine/similar_candidates.h"
 
 namespace zt {
 
-/// The entry of `files` that `target` is a transformed copy of, or the end. See ZtSearchSimilarFile.
+/// The file of which `target` is a transformed copy, or null: what a walk over all files in the order of their keys would find.
+/// See ZtSearchSimilarFile.
 ///
-/// @param name_diff  the name difference that the process showed last; a new one is learned
-/// @param index      that of `files`, or null
-ZtFileMap::iterator SearchSimilarFile(std::wstring& name_diff, ZtFileMap& files, ZtFileIndex* index, std::wstring_view target);
+/// @param name_diff    the name difference that the process showed last; a new one is learned
+/// @param small_group  as of SimilarCandidates; changes no result
+///
+/// Throws std::bad_alloc with `name_diff` as the last completed step left it.
+TrackedFile* SearchSimilarFile(std::u16string& name_diff, FileTable& files, PathName& target,
+                               std::size_t small_group = SimilarCandidates::kSmallGroup);
 
 }  // namespace zt
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "zteng/zt_items.h"
+#include "engine/process_item.h"
 
 namespace zt {
 
@@ -20,7 +20,7 @@ namespace zt {
 class StepOutcome {
  public:
   /// A callback is about to step `file`, whose state before the event was `state`. Never fails.
-  void BeforeCallback(ZT_FILE_ITEM& file, std::uint32_t state) noexcept {
+  void BeforeCallback(FileItem& file, std::uint8_t state) noexcept {
     steps_[step_count_++] = {&file, state, file.Written, file.Similar};
   }
   /// The callback ran and returned `penalty`. A step without one stands, whatever happens later.
@@ -31,13 +31,13 @@ class StepOutcome {
     }
   }
   /// A search is about to learn a name difference for `process`. Throws std::bad_alloc with nothing changed.
-  void BeforeSearch(ZT_PID_ITEM& process) {
-    std::wstring name_diff = process.NameDiff;
+  void BeforeSearch(ProcessItem& process) {
+    std::u16string name_diff = process.NameDiff;
     searches_[search_count_++] = {&process, std::move(name_diff)};
   }
 
   /// The file that stepped last, by a callback; null while none did.
-  [[nodiscard]] const ZT_FILE_ITEM* stepped() const noexcept { return stepped_; }
+  [[nodiscard]] const FileItem* stepped() const noexcept { return stepped_; }
   /// Takes the steps back that had a penalty or were not finished, and what the searches learned that led to them.
   void TakeBack() noexcept;
 
@@ -47,21 +47,21 @@ class StepOutcome {
   static constexpr std::size_t kMostSearches = 2;
 
   struct StepBefore {
-    ZT_FILE_ITEM* file = nullptr;
-    std::uint32_t state = 0;
+    FileItem* file = nullptr;
+    std::uint8_t state = 0;
     bool written = false;
     bool similar = false;
   };
   struct SearchBefore {
-    ZT_PID_ITEM* process = nullptr;
-    std::wstring name_diff;
+    ProcessItem* process = nullptr;
+    std::u16string name_diff;
   };
 
   std::array<StepBefore, kMostSteps> steps_;
   std::array<SearchBefore, kMostSearches> searches_;
   std::size_t step_count_ = 0;
   std::size_t search_count_ = 0;
-  const ZT_FILE_ITEM* stepped_ = nullptr;
+  const FileItem* stepped_ = nullptr;
 };
 
 }  // namespace zt

@@ -9,7 +9,7 @@
 namespace zt {
 
 /// Lower-case, without a leading dot, in the order in which they are compared.
-extern const std::array<std::wstring_view, 342> SuspiciousExtensions;
+extern const std::array<std::u16string_view, 342> SuspiciousExtensions;
 
 }  // namespace zt
 

@@ -1,8 +1,8 @@
 #include "engine/transition_callbacks.h"
 
 #include <string_view>
-#include <utility>
 
+#include "engine/text.h"
 #include "engine/tracing.h"
 #include "engine/transition_table.h"
 
@@ -19,12 +19,12 @@ constexpr std::uint64_t kOriginalGone = 6;
 
 std::uint64_t UnknownCreate(TransitionContext* context) {
   ZT_TRACE_DEBUG("Callback: UnknownCreate");
-  ZT_FILE_ITEM& item = *context->Item;
+  FileItem& item = *context->Item;
   const LOG_ITEM& log = *context->Log;
   if (log.TargetPid == 0) {
     return kNoPenalty;
   }
-  item.Path = *context->FilePath;  // First: it may throw, and the record is to stay as it was then.
+  item.Path = context->FilePath->Text();  // First: it may throw, and the record is to stay as it was then.
   item.State = ZT_OPEN_EXISTING;
   item.FirstTime = log.Time;
   item.Context = log.Context;
@@ -46,7 +46,7 @@ std::uint64_t DeletedCreate(TransitionContext* context) {
 
 std::uint64_t OpenExistingRead(TransitionContext* context) {
   ZT_TRACE_DEBUG("Callback: OpenExistingRead");
-  ZT_FILE_ITEM& item = *context->Item;
+  FileItem& item = *context->Item;
   item.State = ZT_READ_START;
   item.ReadInfo = context->ReadInfo;
   item.ReadStarted = true;
@@ -56,7 +56,7 @@ std::uint64_t OpenExistingRead(TransitionContext* context) {
 
 std::uint64_t OpenReadSync(TransitionContext* context) {
   ZT_TRACE_DEBUG("Callback: OpenReadSync");
-  ZT_FILE_ITEM& item = *context->Item;
+  FileItem& item = *context->Item;
   item.State = ZT_SECTION_SYNC;
   ZT_TRACE_DEBUG("LB_PreSectionSync ZT_READ_START");
   if (!item.Renamed) {
@@ -147,24 +147,24 @@ std::uint64_t SyncRename(TransitionContext* context) {
 // The first move of a process's similar files into another folder arms the rule, the second into the same folder fires it.
 std::uint64_t WriteSimilarRename(TransitionContext* context) {
   ZT_TRACE_DEBUG("Callback: WriteSimilarRename");
-  ZT_FILE_ITEM& item = *context->Item;
+  FileItem& item = *context->Item;
   if (!item.ReadStarted || !item.SimilarMark) {
     return kNoPenalty;
   }
-  const std::wstring& destination = context->DestPath;
-  const std::size_t last = destination.rfind(L'\\');
-  if (last == std::wstring::npos) {
-    ZT_TRACE_DEBUG("Cannot find \\ in Dst:%ws", destination.c_str());
+  const std::u16string_view destination = context->DestPath;
+  const std::size_t last = destination.rfind(u'\\');
+  if (last == std::u16string_view::npos) {
+    ZT_TRACE_DEBUG("Cannot find \\ in Dst:%ws", Widen(destination).c_str());
     return kNoPenalty;
   }
   // Characters are compared, not folders: a longer source that only begins alike counts as the same folder.
-  std::wstring folder = destination.substr(0, last);
-  if (std::wstring_view(context->SourcePath).substr(0, last) == folder) {
+  const std::u16string_view folder = destination.substr(0, last);
+  if (context->SourcePath.substr(0, last) == folder) {
     return kNoPenalty;
   }
-  ZT_TRACE_DEBUG("New folder:%ws", folder.c_str());
+  ZT_TRACE_DEBUG("New folder:%ws", Widen(folder).c_str());
   if (folder != *context->PrevFolder) {
-    *context->PrevFolder = std::move(folder);
+    *context->PrevFolder = folder;
     return kNoPenalty;
   }
   item.State = ZT_WRITE_SIMILAR_SYNC;

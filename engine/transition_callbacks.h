@@ -7,23 +7,26 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
+#include "engine/files/path_name.h"
+#include "engine/files/tracked_file.h"
 #include "zteng/zteng.h"
 
 namespace zt {
 
 /// What a step hands to its callback. The pointers are borrowed for the step.
 struct TransitionContext {
-  ZT_FILE_ITEM* Item = nullptr;            ///< The file that steps; null: no step is made.
-  std::uint32_t PrevState = 0;             ///< Its state before the step, and before a move to ZT_WRITE_SIMILAR.
-  const LOG_ITEM* Log = nullptr;           ///< The event; set for creates only.
-  const std::wstring* FilePath = nullptr;  ///< The path that the event names.
-  std::uint64_t ReadInfo = 0;              ///< For a read, the position that it reached.
-  bool SimilarFound = false;               ///< Item was found by the similar-file search.
-  std::uint32_t SectionRenamed = 0;        ///< When set after the step, the event's path is quarantined.
-  std::wstring* PrevFolder = nullptr;      ///< The process's PrevFolder; set for renames of a tracked source only.
-  std::wstring SourcePath;                 ///< Rename of a tracked source: the path before.
-  std::wstring DestPath;                   ///< Rename of a tracked source: the path after.
+  FileItem* Item = nullptr;              ///< The file that steps; null: no step is made.
+  std::uint8_t PrevState = 0;            ///< Its state before the step, and before a move to ZT_WRITE_SIMILAR.
+  const LOG_ITEM* Log = nullptr;         ///< The event; set for creates only.
+  PathName* FilePath = nullptr;          ///< The path that the event names.
+  std::uint64_t ReadInfo = 0;            ///< For a read, the position that it reached.
+  bool SimilarFound = false;             ///< Item was found by the similar-file search.
+  std::uint32_t SectionRenamed = 0;      ///< When set after the step, the event's path is quarantined.
+  std::u16string* PrevFolder = nullptr;  ///< The process's PrevFolder; set for renames of a tracked source only.
+  std::u16string_view SourcePath;        ///< Rename of a tracked source: the path before.
+  std::u16string_view DestPath;          ///< Rename of a tracked source: the path after.
 };
 
 std::uint64_t UnknownCreate(TransitionContext* context);

@@ -31,14 +31,14 @@ std::vector<void*> ZtGetProcTree(std::shared_ptr<void>& engine, void* pid) {
   std::vector<void*> pids;
   if (const auto core = zt::AcquireEngine(engine)) {
     zt::ForEachSuspicious(*core, zt::PidFromHandle(pid),
-                          [&](const ZT_PID_ITEM& item) { pids.push_back(zt::HandleFromPid(item.Pid)); });
+                          [&](const zt::ProcessItem& item) { pids.push_back(zt::HandleFromPid(item.Pid)); });
   }
   return pids;
 }
 
 void ZtGetProcTree(std::shared_ptr<void>& engine, void* pid, std::map<void*, std::wstring>& procs) {
   if (const auto core = zt::AcquireEngine(engine)) {
-    zt::ForEachSuspicious(*core, zt::PidFromHandle(pid), [&](const ZT_PID_ITEM& item) {
+    zt::ForEachSuspicious(*core, zt::PidFromHandle(pid), [&](const zt::ProcessItem& item) {
       procs.insert_or_assign(zt::HandleFromPid(item.Pid), item.ImagePath);
     });
   }

@@ -129,14 +129,16 @@ class AllocationFailureTest : public EngineTest {
   }
 
   // A record has left the first state only with its path; one that has a path but was renamed carries its first name.
-  static void ExpectConsistentFiles(const ZT_PID_ITEM& item) {
-    for (const auto& [key, file] : item.files) {
+  static void ExpectConsistentFiles(const ProcessItem& item) {
+    item.files.ForEach([](const TrackedFile& tracked) {
+      const FileItem& file = tracked.item;
+      const std::wstring key = Widen(tracked.key.Lower());
       EXPECT_FALSE(file.State != ZT_UNKNOWN && file.Path.empty()) << Narrow(key);
       EXPECT_FALSE(file.Renamed && file.Path.empty()) << Narrow(key);
       if (!file.Renamed && !file.Path.empty()) {
         EXPECT_EQ(file.Path, key);
       }
-    }
+    });
   }
 
   // The lock is re-entrant: only another thread notices that it is still held.
@@ -152,15 +154,15 @@ class AllocationFailureTest : public EngineTest {
   // Takes the lists apart: what the order holds and what is found must be the same paths.
   void ExpectConsistentLists() {
     for (auto& [key, entry] : core().Tree) {
-      for (ZtPathList* list : {&entry.Item.QuarantineList, &entry.Item.CreatedFilesList}) {
+      for (PathList* list : {&entry.Item.QuarantineList, &entry.Item.CreatedFilesList}) {
         const std::vector<std::wstring> paths = list->Paths();
         EXPECT_EQ(std::set<std::wstring>(paths.begin(), paths.end()).size(), paths.size());
         for (const std::wstring& path : paths) {
-          EXPECT_TRUE(list->Remove(path)) << Narrow(path);
+          EXPECT_TRUE(RemovePath(*list, path)) << Narrow(path);
         }
         EXPECT_TRUE(list->empty());
         for (const std::wstring& path : {kDoc, kCopy, kElsewhere}) {
-          EXPECT_FALSE(list->Remove(path)) << Narrow(path);
+          EXPECT_FALSE(RemovePath(*list, path)) << Narrow(path);
         }
       }
     }
@@ -197,7 +199,7 @@ class InsertionFailureTest : public AllocationFailureTest {
  private:
   void ExpectCharged(std::uint64_t processes, const std::wstring& key, std::int32_t score) {
     for (std::uint64_t pid = 1; pid <= processes; ++pid) {
-      const ZT_FILE_ITEM* file = FileOf(pid, key);
+      const FileItem* file = FileOf(pid, key);
       EXPECT_EQ(ScoreOf(pid), score) << pid;
       EXPECT_EQ(file != nullptr && file->penalized, score != 1) << pid;
     }
@@ -236,7 +238,7 @@ TEST_F(InsertionFailureTest, AnOpenedFileHasAWholeRecordOrAnUnnamedOne) {
   FailEachOfInsertion([this] { StartGenerations(2); }, Open(2, kDoc), 0,
                       [this] {
                         for (const std::uint64_t pid : {1U, 2U}) {
-                          if (const ZT_FILE_ITEM* file = FileOf(pid, kDoc); file != nullptr) {
+                          if (const FileItem* file = FileOf(pid, kDoc); file != nullptr) {
                             EXPECT_EQ(file->State, file->Path.empty() ? ZT_UNKNOWN : ZT_OPEN_EXISTING);
                             EXPECT_EQ(file->CreateInfo, file->Path.empty() ? 0U : 1U);
                           }
@@ -291,7 +293,7 @@ TEST_F(InsertionFailureTest, AMatchOfALearnedDifferenceIsFoundAgain) {
   FailEachOfCharge(
       [this, folder] {
         StartGenerations(2);
-        ItemOf(2)->NameDiff = L"_the_difference_that_was_learned_before";
+        ItemOf(2)->NameDiff = u"_the_difference_that_was_learned_before";
         for (const std::uint64_t pid : {1U, 2U}) {
           Track(pid, folder + L"port.docx", ZT_READ_START);
           Track(pid, kDoc, ZT_DELETE_ORG);
@@ -323,18 +325,18 @@ TEST_F(InsertionFailureTest, ARenamedCopyIsAWholeCopyOrAbsent) {
     StartGenerations(2);
     OpenAndRead(2, kDoc);
     for (const std::uint64_t pid : {1U, 2U}) {
-      FileOf(pid, kDoc)->Block.Edit()[0] = std::byte{1};
-      ItemOf(pid)->QuarantineList.Add(kDoc);
+      FileOf(pid, kDoc)->Context = 77;
+      AddPath(ItemOf(pid)->QuarantineList, kDoc);
     }
   };
   FailEachOfInsertion(prepare, Rename(2, kDoc, kElsewhere), 0, [this] {
     for (const std::uint64_t pid : {1U, 2U}) {
       ASSERT_NE(FileOf(pid, kDoc), nullptr);
       EXPECT_EQ(FileOf(pid, kDoc)->State, ZT_READ_START);
-      if (const ZT_FILE_ITEM* copy = FileOf(pid, kElsewhere); copy != nullptr) {
+      if (const FileItem* copy = FileOf(pid, kElsewhere); copy != nullptr) {
         EXPECT_EQ(copy->Path, kDoc);
         EXPECT_EQ(copy->State, ZT_READ_START);
-        EXPECT_NE(copy->Block.Get(), nullptr);
+        EXPECT_EQ(copy->Context, 77U);
       }
     }
   });
@@ -347,10 +349,10 @@ TEST_F(InsertionFailureTest, ARenameOntoATrackedFileReplacesItWholeOrLeavesIt) {
     Insert(Open(1, kElsewhere));
   };
   FailEachOfInsertion(prepare, Rename(1, kDoc, kElsewhere), 0, [this] {
-    const ZT_FILE_ITEM* file = FileOf(1, kElsewhere);
+    const FileItem* file = FileOf(1, kElsewhere);
     ASSERT_NE(file, nullptr);
     EXPECT_EQ(file->ReadInfo, file->Path == kDoc ? 100U : 0U);
-    EXPECT_THAT(file->Path, AnyOf(kDoc, kElsewhere));
+    EXPECT_THAT(file->Path.Wide(), AnyOf(kDoc, kElsewhere));
   });
 }
 
@@ -368,11 +370,11 @@ TEST_F(InsertionFailureTest, ARenameWithTwoStepsKeepsItsRecords) {
 TEST_F(InsertionFailureTest, ASimilarMoveKeepsItsFolder) {
   const auto prepare = [this] {
     StartProcess(1, 101);
-    ZT_FILE_ITEM& file = Track(1, kDoc, ZT_WRITE_SIMILAR);
+    FileItem& file = Track(1, kDoc, ZT_WRITE_SIMILAR);
     file.ReadStarted = file.SimilarMark = true;
   };
   FailEachOfInsertion(prepare, Rename(1, kDoc, kElsewhere), 0, [this] {
-    EXPECT_THAT(ItemOf(1)->PrevFolder, AnyOf(L"", L"c:\\users\\someone\\elsewhere"));
+    EXPECT_THAT(ItemOf(1)->PrevFolder, AnyOf(u"", u"c:\\users\\someone\\elsewhere"));
     EXPECT_EQ(FileOf(1, kDoc)->State, ZT_WRITE_SIMILAR);
   });
 }
@@ -388,7 +390,7 @@ class ExportFailureTest : public AllocationFailureTest {
       entry.Item.Score = 5;
     }
     Track(count, kDoc, ZT_OVERWRITE).Similar = true;
-    ItemOf(count)->QuarantineList.Add(kDoc);
+    AddPath(ItemOf(count)->QuarantineList, kDoc);
   }
   void RememberState() { before_ = DumpState(core()); }
   void ExpectUnchanged() { EXPECT_EQ(DumpState(core()), before_.value()); }
@@ -550,22 +552,23 @@ TEST_F(ExportFailureTest, ALineScoreIsGivenOrMemoryIsExhausted) {
 
 TEST_F(ExportFailureTest, ASimilarFileIsFoundOrMemoryIsExhausted) {
   bool found = false;
+  std::optional<ZT_PID_ITEM> process;
   FailEach(
       [&] {
         found = false;
-        StartGenerations(1);
-        Track(1, kDoc, ZT_READ_START);
-        ItemOf(1)->NameDiff = L"locked_";
+        process.emplace();
+        process->files[kDoc];
+        process->NameDiff = L"locked_";
       },
       [&](bool failed) {
         EXPECT_NE(found, failed);
-        EXPECT_EQ(ItemOf(1)->NameDiff, L"locked_");
+        EXPECT_EQ(process->NameDiff, L"locked_");
+        process.reset();
       },
       [&] {
         std::shared_ptr<_ZtEngineCore> engine = std::static_pointer_cast<_ZtEngineCore>(engine_);
-        ZT_PID_ITEM& item = *ItemOf(1);
-        found = ZtSearchSimilarFile(engine, item, item.files, L"c:\\users\\someone\\documents\\locked_report.docx") !=
-                item.files.end();
+        found = ZtSearchSimilarFile(engine, *process, process->files, L"c:\\users\\someone\\documents\\locked_report.docx") !=
+                process->files.end();
       });
 }
 

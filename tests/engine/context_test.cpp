@@ -182,7 +182,7 @@ class NeutralResultTest : public EngineTest {
     StartProcess(10);
     ItemOf(10)->Score = 7;
     Track(10, L"c:\\d\\a.doc", ZT_OVERWRITE).Similar = true;
-    ItemOf(10)->QuarantineList.Add(L"c:\\d\\q.doc");
+    AddPath(ItemOf(10)->QuarantineList, L"c:\\d\\q.doc");
   }
 
   static void ExpectNeutralResults(std::shared_ptr<void>& engine) {

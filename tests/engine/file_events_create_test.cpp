@@ -24,7 +24,7 @@ TEST_F(FileCreateTest, OpenOfAnExistingFileFillsARecord) {
   open.Context = 0xFEDCBA9876543210;
   EXPECT_EQ(Insert(open), 0);
   ASSERT_EQ(Process().files.size(), 1u);
-  const ZT_FILE_ITEM& file = File(L"c:\\d\\a.doc");
+  const FileItem& file = File(L"c:\\d\\a.doc");
   EXPECT_EQ(Summary(file), "1");
   EXPECT_EQ(file.FirstTime, 77);
   EXPECT_EQ(file.Context, 0xFEDCBA9876543210u);
@@ -114,7 +114,7 @@ TEST_F(FileCreateTest, DeletedFileThatIsOpenedStaysDeleted) {
 }
 
 TEST_F(FileCreateTest, EmptyRecordStaysEmptyWhenAFreshFileIsMade) {
-  Process().files[L"c:\\a.doc"];
+  EnterFile(Process(), L"c:\\a.doc");
   EXPECT_THAT(MessagesOf(CreateFresh(kPid, L"C:\\A.doc")),
               ElementsAre("Next State from 0 with 0x004001", "Callback: UnknownCreate"));
   EXPECT_EQ(Summary(L"c:\\a.doc"), "0");
@@ -126,7 +126,7 @@ TEST_F(FileCreateTest, SecondCodeMakesAnEmptyRecordOfAnExistingFile) {
   create.Time = 77;
   create.Context = 9;
   EXPECT_THAT(MessagesOf(create), ElementsAre("Next State from 0 with 0x004002"));
-  const ZT_FILE_ITEM& file = File(L"c:\\a.doc");
+  const FileItem& file = File(L"c:\\a.doc");
   EXPECT_EQ(Summary(file), "0");
   EXPECT_EQ(file.Path, L"");
   EXPECT_EQ(file.FirstTime, 0);

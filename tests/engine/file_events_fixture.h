@@ -23,27 +23,30 @@ class FileEventsTest : public EngineTest {
 
   FileEventsTest() { StartProcess(kPid); }
 
-  ZT_PID_ITEM& Process() { return *ItemOf(kPid); }
+  ProcessItem& Process() { return *ItemOf(kPid); }
 
   /// A record in the given state, as though earlier events had led there.
-  ZT_FILE_ITEM& Track(const std::wstring& path, FileState state) {
-    ZT_FILE_ITEM& file = Process().files[path];
+  FileItem& Track(const std::wstring& path, FileState state) {
+    FileItem& file = EnterFile(Process(), path);
     file.State = state;
-    file.Path = path;
+    file.Path = MakePath(path);
     return file;
   }
-  ZT_FILE_ITEM& File(const std::wstring& path) { return Process().files.at(path); }
-  bool IsTracked(const std::wstring& path) { return Process().files.count(path) != 0; }
+  FileItem& File(const std::wstring& path) { return (*FindFile(Process(), path)); }
+  bool IsTracked(const std::wstring& path) { return HasFile(Process(), path); }
   std::vector<std::wstring> Quarantined() { return Process().QuarantineList.Paths(); }
   std::vector<std::wstring> CreatedFiles() { return Process().CreatedFilesList.Paths(); }
 
   /// A record's state and the names of its flags that are set, e.g. "2 Similar ReadStarted".
-  static std::string Summary(const ZT_FILE_ITEM& file) {
+  static std::string Summary(const FileItem& file) {
     std::string text = std::to_string(file.State);
-    for (const auto& [flag, name] :
-         {std::pair{file.Written, " Written"}, std::pair{file.Similar, " Similar"}, std::pair{file.Renamed, " Renamed"},
-          std::pair{file.SimilarMark, " SimilarMark"}, std::pair{file.Created, " Created"},
-          std::pair{file.ReadStarted, " ReadStarted"}, std::pair{file.penalized, " penalized"}}) {
+    for (const auto& [flag, name] : std::initializer_list<std::pair<bool, const char*>>{{file.Written, " Written"},
+                                                                                        {file.Similar, " Similar"},
+                                                                                        {file.Renamed, " Renamed"},
+                                                                                        {file.SimilarMark, " SimilarMark"},
+                                                                                        {file.Created, " Created"},
+                                                                                        {file.ReadStarted, " ReadStarted"},
+                                                                                        {file.penalized, " penalized"}}) {
       if (flag) {
         text += name;
       }

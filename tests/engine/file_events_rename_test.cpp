@@ -16,8 +16,8 @@ using ::testing::IsEmpty;
 class FileRenameTest : public FileEventsTest {
  protected:
   /// A record that a move into another folder may step.
-  ZT_FILE_ITEM& TrackSimilar(const std::wstring& path) {
-    ZT_FILE_ITEM& file = Track(path, ZT_WRITE_SIMILAR);
+  FileItem& TrackSimilar(const std::wstring& path) {
+    FileItem& file = Track(path, ZT_WRITE_SIMILAR);
     file.ReadStarted = true;
     file.SimilarMark = true;
     return file;
@@ -32,7 +32,7 @@ class FileRenameTest : public FileEventsTest {
 
 TEST_F(FileRenameTest, RenameWithoutADestinationIsIgnored) {
   Track(L"c:\\a.doc", ZT_SECTION_SYNC);
-  Process().QuarantineList.Add(L"c:\\a.doc");
+  AddPath(Process().QuarantineList, L"c:\\a.doc");
   const std::string before = DumpState(core());
   EXPECT_THAT(MessagesOf(MakeEvent(BehaviorRename, kPid, L"c:\\a.doc")), IsEmpty());
   EXPECT_EQ(DumpState(core()), before);
@@ -82,7 +82,7 @@ TEST_F(FileRenameTest, TargetIsSplitAtTheFirstBar) {
 
 TEST_F(FileRenameTest, SourceLeavesTheQuarantineListAndTheDestinationEnters) {
   for (const wchar_t* const path : {L"c:\\1", L"c:\\a.doc", L"c:\\2"}) {
-    Process().QuarantineList.Add(path);
+    AddPath(Process().QuarantineList, path);
   }
   EXPECT_THAT(
       MessagesOfMove(L"C:\\A.doc", L"c:\\out\\B.doc"),
@@ -93,7 +93,7 @@ TEST_F(FileRenameTest, SourceLeavesTheQuarantineListAndTheDestinationEnters) {
 
 TEST_F(FileRenameTest, DestinationThatIsQuarantinedKeepsItsPlace) {
   for (const wchar_t* const path : {L"c:\\out\\b.doc", L"c:\\2"}) {
-    Process().QuarantineList.Add(path);
+    AddPath(Process().QuarantineList, path);
   }
   EXPECT_THAT(MessagesOfMove(L"c:\\a.doc", L"c:\\out\\b.doc"),
               Contains("c:\\out\\b.doc still exists in the quarantine list of pid 10"));
@@ -102,14 +102,14 @@ TEST_F(FileRenameTest, DestinationThatIsQuarantinedKeepsItsPlace) {
 
 TEST_F(FileRenameTest, FileRenamedOntoItselfMovesToTheEndOfTheQuarantineList) {
   for (const wchar_t* const path : {L"c:\\a.doc", L"c:\\2"}) {
-    Process().QuarantineList.Add(path);
+    AddPath(Process().QuarantineList, path);
   }
   Move(L"c:\\a.doc", L"C:\\A.doc");
   EXPECT_THAT(Quarantined(), ElementsAre(L"c:\\2", L"c:\\a.doc"));
 }
 
 TEST_F(FileRenameTest, CreatedFilesListStays) {
-  Process().CreatedFilesList.Add(L"c:\\a.doc");
+  AddPath(Process().CreatedFilesList, L"c:\\a.doc");
   Move(L"c:\\a.doc", L"c:\\out\\b.doc");
   EXPECT_THAT(CreatedFiles(), ElementsAre(L"c:\\a.doc"));
 }
@@ -117,24 +117,21 @@ TEST_F(FileRenameTest, CreatedFilesListStays) {
 // A tracked source.
 
 TEST_F(FileRenameTest, DestinationBecomesACopyOfTheSource) {
-  ZT_FILE_ITEM& source = Track(L"c:\\d\\a.doc", ZT_READ_START);
+  FileItem& source = Track(L"c:\\d\\a.doc", ZT_READ_START);
   source.Written = source.SimilarMark = source.Created = source.ReadStarted = source.penalized = true;
   source.FirstTime = 77;
   source.Context = 88;
   source.ReadInfo = 99;
-  source.Path = L"C:\\D\\A.doc";
+  source.Path = MakePath(L"C:\\D\\A.doc");
   source.CreateInfo = 111;
-  source.Block.Edit()[511] = std::byte{5};
   EXPECT_EQ(Move(L"C:\\D\\A.doc", L"C:\\Out\\B.doc"), 0);
-  const ZT_FILE_ITEM& copy = File(L"c:\\out\\b.doc");
+  const FileItem& copy = File(L"c:\\out\\b.doc");
   EXPECT_EQ(Summary(copy), "2 Written Renamed SimilarMark Created ReadStarted penalized");
   EXPECT_EQ(copy.FirstTime, 77);
   EXPECT_EQ(copy.Context, 88u);
   EXPECT_EQ(copy.ReadInfo, 99u);
   EXPECT_EQ(copy.Path, L"C:\\D\\A.doc");
   EXPECT_EQ(copy.CreateInfo, 111u);
-  ASSERT_NE(copy.Block.Get(), nullptr);
-  EXPECT_EQ(copy.Block.Get()->at(511), std::byte{5});
 }
 
 // The copy is made before the source is marked.
@@ -158,7 +155,7 @@ TEST_F(FileRenameTest, DestinationsOwnRecordIsReplaced) {
   Track(L"c:\\d\\a.doc", ZT_READ_START);
   // Found first, so that the search does not end at the destination.
   Track(L"c:\\out", ZT_OPEN_EXISTING);
-  ZT_FILE_ITEM& destination = Track(L"c:\\out\\b.doc", ZT_OVERWRITE);
+  FileItem& destination = Track(L"c:\\out\\b.doc", ZT_OVERWRITE);
   destination.Written = destination.Similar = destination.penalized = true;
   Move(L"c:\\d\\a.doc", L"c:\\out\\b.doc");
   EXPECT_EQ(Summary(L"c:\\out\\b.doc"), "2 Renamed");
@@ -187,7 +184,7 @@ TEST_F(FileRenameTest, FirstMoveIntoAFolderIsRemembered) {
                           "c:\\a\\x.doc does not exist in the quarantine list",
                           "Adding c:\\out\\x.doc to the quarantine list of pid 10", "Next State from 5 with 0x004006",
                           "Callback: WriteSimilarRename", "New folder:c:\\out"));
-  EXPECT_EQ(Process().PrevFolder, L"c:\\out");
+  EXPECT_EQ(Process().PrevFolder, u"c:\\out");
   EXPECT_EQ(Summary(L"c:\\a\\x.doc"), "5 Similar SimilarMark ReadStarted");
 }
 
@@ -198,12 +195,12 @@ TEST_F(FileRenameTest, SecondMoveIntoTheFolderIsPenalised) {
   EXPECT_EQ(Move(L"c:\\a\\y.doc", L"C:\\Out\\y.doc"), 2);
   EXPECT_EQ(Summary(L"c:\\a\\x.doc"), "5 Similar SimilarMark ReadStarted");
   EXPECT_EQ(Summary(L"c:\\a\\y.doc"), "9 Similar SimilarMark ReadStarted penalized");
-  EXPECT_EQ(Process().PrevFolder, L"c:\\out");
+  EXPECT_EQ(Process().PrevFolder, u"c:\\out");
 }
 
 TEST_F(FileRenameTest, SecondMoveIntoTheFolderIsTraced) {
   TrackSimilar(L"c:\\a\\y.doc");
-  Process().PrevFolder = L"c:\\out";
+  Process().PrevFolder = u"c:\\out";
   EXPECT_THAT(
       MessagesOfMove(L"c:\\a\\y.doc", L"C:\\Out\\y.doc"),
       ElementsAre("LB_PreSetInforamtionRename Src:c:\\a\\y.doc, Dst:c:\\out\\y.doc",
@@ -214,14 +211,14 @@ TEST_F(FileRenameTest, SecondMoveIntoTheFolderIsTraced) {
 
 TEST_F(FileRenameTest, MoveIntoAnotherFolderReplacesTheRememberedOne) {
   TrackSimilar(L"c:\\a\\x.doc");
-  Process().PrevFolder = L"c:\\ou";
+  Process().PrevFolder = u"c:\\ou";
   EXPECT_EQ(Move(L"c:\\a\\x.doc", L"c:\\out\\x.doc"), 0);
-  EXPECT_EQ(Process().PrevFolder, L"c:\\out");
+  EXPECT_EQ(Process().PrevFolder, u"c:\\out");
 }
 
 TEST_F(FileRenameTest, RememberedFolderBelongsToTheProcess) {
   StartProcess(20);
-  ItemOf(20)->PrevFolder = L"c:\\out";
+  ItemOf(20)->PrevFolder = u"c:\\out";
   TrackSimilar(L"c:\\a\\x.doc");
   EXPECT_EQ(Move(L"c:\\a\\x.doc", L"c:\\out\\x.doc"), 0);
 }
@@ -233,7 +230,7 @@ TEST_F(FileRenameTest, RenameInsideItsFolderIsNoMove) {
                           "c:\\a\\x.doc does not exist in the quarantine list",
                           "Adding c:\\a\\x.doc.enc to the quarantine list of pid 10", "Next State from 5 with 0x004006",
                           "Callback: WriteSimilarRename"));
-  EXPECT_EQ(Process().PrevFolder, L"");
+  EXPECT_EQ(Process().PrevFolder, u"");
 }
 
 // As many characters as the destination's folder has are compared: a move up, or into a folder whose name the source's begins
@@ -241,13 +238,13 @@ TEST_F(FileRenameTest, RenameInsideItsFolderIsNoMove) {
 TEST_F(FileRenameTest, MoveToAFolderThatTheSourceBeginsWithIsNone) {
   TrackSimilar(L"c:\\a\\sub\\x.doc");
   Move(L"c:\\a\\sub\\x.doc", L"c:\\a\\y.doc");
-  EXPECT_EQ(Process().PrevFolder, L"");
+  EXPECT_EQ(Process().PrevFolder, u"");
   TrackSimilar(L"c:\\ab\\x.doc");
   Move(L"c:\\ab\\x.doc", L"c:\\a\\z.doc");
-  EXPECT_EQ(Process().PrevFolder, L"");
+  EXPECT_EQ(Process().PrevFolder, u"");
   TrackSimilar(L"c:\\a\\q.doc");
   Move(L"c:\\a\\q.doc", L"c:\\ab\\r.doc");
-  EXPECT_EQ(Process().PrevFolder, L"c:\\ab");
+  EXPECT_EQ(Process().PrevFolder, u"c:\\ab");
 }
 
 TEST_F(FileRenameTest, MoveOfAFileThatWasNotReadOrNotWrittenSimilarlyIsNone) {
@@ -255,13 +252,13 @@ TEST_F(FileRenameTest, MoveOfAFileThatWasNotReadOrNotWrittenSimilarlyIsNone) {
   TrackSimilar(L"c:\\a\\y.doc").SimilarMark = false;
   Move(L"c:\\a\\x.doc", L"c:\\out\\x.doc");
   Move(L"c:\\a\\y.doc", L"c:\\out\\y.doc");
-  EXPECT_EQ(Process().PrevFolder, L"");
+  EXPECT_EQ(Process().PrevFolder, u"");
 }
 
 TEST_F(FileRenameTest, BareNamesHaveNoFolder) {
   TrackSimilar(L"x.doc");
   EXPECT_THAT(MessagesOfMove(L"x.doc", L"new"), Contains("Cannot find \\ in Dst:new"));
-  EXPECT_EQ(Process().PrevFolder, L"");
+  EXPECT_EQ(Process().PrevFolder, u"");
 }
 
 // A similar file is found for the destination.
@@ -324,12 +321,12 @@ TEST_F(FileRenameTest, StepOfASimilarFileSeesNoDestination) {
 TEST_F(FileRenameTest, SearchLearnsTheDifferenceOfTheRename) {
   Track(L"c:\\d\\report.doc", ZT_READ_START);
   Move(L"c:\\d\\report.doc", L"c:\\d\\report.enc");
-  EXPECT_EQ(Process().NameDiff, L".enc");
+  EXPECT_EQ(Process().NameDiff, u".enc");
   EXPECT_EQ(Summary(L"c:\\d\\report.doc"), "2 Similar");
 }
 
 TEST_F(FileRenameTest, RenamedOntoADeletedFilesNameWithTheLearnedDifference) {
-  Process().NameDiff = L".enc";
+  Process().NameDiff = u".enc";
   Track(L"c:\\d\\report.doc", ZT_DELETE_ORG);
   EXPECT_EQ(Move(L"c:\\d\\tmp", L"c:\\d\\report.enc"), 6);
 }
@@ -429,7 +426,7 @@ TEST_F(FileRenameTest, BothStepsAreTracedInOrder) {
                   "File c:\\d\\b.doc.enc is renamed to another similarly named flle c:\\d\\b.doc ZT_WRITE_SIMILAR",
                   "Next State from 6 with 0x004006", "Callback: DeleteOrgRename", "ZT_DELETE_ORG + Renamed + ZT_WRITE_SIMILAR",
                   "Next State from 5 with 0x004006", "Callback: WriteSimilarRename", "New folder:c:\\d"));
-  EXPECT_EQ(Process().PrevFolder, L"c:\\d");
+  EXPECT_EQ(Process().PrevFolder, u"c:\\d");
 }
 
 }  // namespace

@@ -152,7 +152,7 @@ TEST_F(FileEventsTest, SectionSyncOfARenamedFileIsTraced) {
 // What a step hands on.
 
 TEST_F(FileEventsTest, PenaltyIsChargedUnderTheLowerCasePathOfTheRecord) {
-  Track(L"c:\\a.doc", ZT_WRITE_SIMILAR).Path = L"C:\\A.Doc";
+  Track(L"c:\\a.doc", ZT_WRITE_SIMILAR).Path = MakePath(L"C:\\A.Doc");
   LOG_ITEM log = Delete(kPid, L"C:\\a.DOC");
   log.Time = 4711;
   EXPECT_EQ(Insert(log), 6);
@@ -178,11 +178,11 @@ TEST_F(FileEventsTest, RenamedCopyIsChargedUnderItsFirstName) {
 
 // The child's penalty names "c:\a.doc"; the callback of the parent's pass then names a file that the child does not track.
 TEST_F(FileEventsTest, CallbackOfTheParentsPassGivesThePathEvenWhenItReturnsZero) {
-  Track(L"c:\\a.doc", ZT_READ_START).Path = L"c:\\other.doc";
+  Track(L"c:\\a.doc", ZT_READ_START).Path = MakePath(L"c:\\other.doc");
   StartChild(kPid, 20);
-  ZT_FILE_ITEM& file = ItemOf(20)->files[L"c:\\a.doc"];
+  FileItem& file = EnterFile(*ItemOf(20), L"c:\\a.doc");
   file.State = ZT_WRITE_SIMILAR;
-  file.Path = L"c:\\a.doc";
+  file.Path = MakePath(L"c:\\a.doc");
   EXPECT_THAT(MessagesOf(Delete(20, L"c:\\a.doc")), Contains("Cannot find file in file context\n"));
   EXPECT_EQ(ScoreOf(20), 1);
   EXPECT_EQ(Summary(file), "8 Written Similar");
@@ -190,11 +190,11 @@ TEST_F(FileEventsTest, CallbackOfTheParentsPassGivesThePathEvenWhenItReturnsZero
 }
 
 TEST_F(FileEventsTest, PassWithoutACallbackLeavesThePath) {
-  Track(L"c:\\a.doc", ZT_OPEN_EXISTING).Path = L"c:\\other.doc";
+  Track(L"c:\\a.doc", ZT_OPEN_EXISTING).Path = MakePath(L"c:\\other.doc");
   StartChild(kPid, 20);
-  ZT_FILE_ITEM& file = ItemOf(20)->files[L"c:\\a.doc"];
+  FileItem& file = EnterFile(*ItemOf(20), L"c:\\a.doc");
   file.State = ZT_WRITE_SIMILAR;
-  file.Path = L"c:\\a.doc";
+  file.Path = MakePath(L"c:\\a.doc");
   EXPECT_EQ(Insert(Delete(20, L"c:\\a.doc")), 6);
   EXPECT_EQ(ScoreOf(20), 6);
   EXPECT_EQ(Summary(file), "8 Written Similar penalized");

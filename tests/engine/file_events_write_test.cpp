@@ -22,7 +22,7 @@ constexpr std::uint32_t kNoWrite = 0xFFFFFFFF;
 
 struct LengthRow {
   int line;
-  std::wstring_view text;
+  std::u16string_view text;
   std::int32_t length;
 };
 
@@ -30,40 +30,40 @@ TEST(ParseLengthTest, ReadsDecimalTextAsTheCLibraryDoes) {
   constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
   constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
   const LengthRow rows[] = {
-      {__LINE__, L"100", 100},
-      {__LINE__, L"0", 0},
-      {__LINE__, L"0100", 100},
-      {__LINE__, L"  42", 42},
-      {__LINE__, L"\t\n\v\f\r 42", 42},
-      {__LINE__, L"+7", 7},
-      {__LINE__, L" +7", 7},
-      {__LINE__, L"-5", -5},
-      {__LINE__, L"-0", 0},
+      {__LINE__, u"100", 100},
+      {__LINE__, u"0", 0},
+      {__LINE__, u"0100", 100},
+      {__LINE__, u"  42", 42},
+      {__LINE__, u"\t\n\v\f\r 42", 42},
+      {__LINE__, u"+7", 7},
+      {__LINE__, u" +7", 7},
+      {__LINE__, u"-5", -5},
+      {__LINE__, u"-0", 0},
       // Stops at what is no digit.
-      {__LINE__, L"12abc", 12},
-      {__LINE__, L"12 34", 12},
-      {__LINE__, L"12|34", 12},
-      {__LINE__, L"12.9", 12},
-      {__LINE__, L"0x10", 0},
+      {__LINE__, u"12abc", 12},
+      {__LINE__, u"12 34", 12},
+      {__LINE__, u"12|34", 12},
+      {__LINE__, u"12.9", 12},
+      {__LINE__, u"0x10", 0},
       // No digits.
-      {__LINE__, L"", 0},
-      {__LINE__, L" ", 0},
-      {__LINE__, L"abc", 0},
-      {__LINE__, L"-", 0},
-      {__LINE__, L"+-5", 0},
-      {__LINE__, L"- 5", 0},
-      {__LINE__, L"\uFF11\uFF12", 0},
+      {__LINE__, u"", 0},
+      {__LINE__, u" ", 0},
+      {__LINE__, u"abc", 0},
+      {__LINE__, u"-", 0},
+      {__LINE__, u"+-5", 0},
+      {__LINE__, u"- 5", 0},
+      {__LINE__, u"\uFF11\uFF12", 0},
       // The bounds and beyond.
-      {__LINE__, L"2147483647", kMax},
-      {__LINE__, L"2147483648", kMax},
-      {__LINE__, L"4294967295", kMax},
-      {__LINE__, L"4294967301", kMax},
-      {__LINE__, L"18446744073709551621", kMax},
-      {__LINE__, L"99999999999999999999999999999999", kMax},
-      {__LINE__, L"-2147483648", kMin},
-      {__LINE__, L"-2147483649", kMin},
-      {__LINE__, L"-99999999999999999999999999999999", kMin},
-      {__LINE__, L"00000000000000000000000000000000007", 7},
+      {__LINE__, u"2147483647", kMax},
+      {__LINE__, u"2147483648", kMax},
+      {__LINE__, u"4294967295", kMax},
+      {__LINE__, u"4294967301", kMax},
+      {__LINE__, u"18446744073709551621", kMax},
+      {__LINE__, u"99999999999999999999999999999999", kMax},
+      {__LINE__, u"-2147483648", kMin},
+      {__LINE__, u"-2147483649", kMin},
+      {__LINE__, u"-99999999999999999999999999999999", kMin},
+      {__LINE__, u"00000000000000000000000000000000007", 7},
   };
   for (const LengthRow& row : rows) {
     EXPECT_EQ(ParseLength(row.text), row.length) << "line " << row.line;
@@ -96,7 +96,7 @@ TEST_F(FileEventsTest, WriteMayNameNothing) {
 class FileWriteTest : public FileEventsTest {
  protected:
   FileWriteTest() {
-    ZT_FILE_ITEM& file = Track(L"c:\\a.doc", ZT_READ_START);
+    FileItem& file = Track(L"c:\\a.doc", ZT_READ_START);
     file.CreateInfo = 1000;
     file.ReadInfo = 500;
     Remember(1, 2, 3);
@@ -160,7 +160,7 @@ TEST_F(FileWriteTest, TrackedFileIsNotSearchedFor) {
   Track(L"c:\\a", ZT_DELETE_ORG);
   Insert(Write(kPid, L"c:\\a.doc", 0));
   EXPECT_EQ(Summary(L"c:\\a"), "6");
-  EXPECT_EQ(Process().NameDiff, L"");
+  EXPECT_EQ(Process().NameDiff, u"");
 }
 
 // When a write is considered.
@@ -374,7 +374,7 @@ TEST_F(FileCopyWriteTest, CopyIsRecognisedByTheDifferenceOfAnEarlierOne) {
   Track(L"c:\\d\\one.doc", ZT_DELETE_ORG);
   Track(L"c:\\d\\two.doc", ZT_DELETE_ORG);
   EXPECT_EQ(Insert(Write(kPid, L"c:\\d\\one.enc")), 0);
-  EXPECT_EQ(Process().NameDiff, L".enc");
+  EXPECT_EQ(Process().NameDiff, u".enc");
   EXPECT_EQ(Insert(Write(kPid, L"c:\\d\\two.enc")), 6);
   EXPECT_EQ(Summary(L"c:\\d\\one.doc"), "6");
   EXPECT_EQ(Summary(L"c:\\d\\two.doc"), "8 Written Similar penalized");
@@ -397,7 +397,7 @@ TEST_F(FileCopyWriteTest, EachReasonLeadsToASearch) {
 }
 
 TEST_F(FileCopyWriteTest, OriginalIsPenalisedUnderItsOwnPath) {
-  Track(L"c:\\d\\a.doc", ZT_DELETE_ORG).Path = L"C:\\First\\Name.doc";
+  Track(L"c:\\d\\a.doc", ZT_DELETE_ORG).Path = MakePath(L"C:\\First\\Name.doc");
   Track(L"c:\\first\\name.doc", ZT_OPEN_EXISTING);
   EXPECT_EQ(Insert(WriteCopy()), 6);
   EXPECT_EQ(Summary(L"c:\\d\\a.doc"), "8 Written Similar");

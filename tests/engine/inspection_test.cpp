@@ -178,7 +178,7 @@ TEST_F(InspectionTest, AResetReportsTheScoresThatItSets) {
 }
 
 TEST_F(InspectionTest, ASimilarFileIsReportedBeforeItsStepWithTheStateItHad) {
-  Track(1, L"c:\\d\\a.doc", ZT_DELETE_ORG).Path = L"C:\\D\\A.doc";
+  Track(1, L"c:\\d\\a.doc", ZT_DELETE_ORG).Path = MakePath(L"C:\\D\\A.doc");
   Insert(Write(1, L"C:\\D\\A.doc.enc"));
   EXPECT_THAT(recorder_.Take(), ElementsAre("similar (1, 50) c:\\d\\a.doc.enc to c:\\d\\a.doc",
                                             "step (1, 50) C:\\D\\A.doc by c:\\d\\a.doc.enc similar 6 to 8 penalty 6",
@@ -271,21 +271,21 @@ TEST_F(InspectionTest, AnIdThatOnlyAQueryMadeKnownIsNotFound) {
 // What it is told, in order: "list SIZE" and "KEY = PATH", with "!" behind what was overwritten.
 class FinalStateRecorder : public FinalStateVisitor {
  public:
-  void OnQuarantine(const ZtPathList& list) override { told.push_back(L"list " + std::to_wstring(list.size())); }
-  void OnFile(const std::wstring& key, const ZT_FILE_ITEM& file, bool restored) override {
-    told.push_back(key + L" = " + file.Path.Wide() + (restored ? L"!" : L""));
+  void OnQuarantine(const PathList& list) override { told.push_back(L"list " + std::to_wstring(list.size())); }
+  void OnFile(const TrackedFile& file, bool restored) override {
+    told.push_back(Widen(file.key.Lower()) + L" = " + file.item.Path.Wide() + (restored ? L"!" : L""));
   }
 
   std::vector<std::wstring> told;
 };
 
 TEST_F(InspectionTest, FinalStateIsToldFileByFileInTheOrderOfKeys) {
-  ZT_FILE_ITEM& moved = Track(1, L"c:\\d\\b.doc", ZT_DELETE_ORG);
+  FileItem& moved = Track(1, L"c:\\d\\b.doc", ZT_DELETE_ORG);
   moved.Similar = true;
-  moved.Path = L"C:\\D\\B.doc";
+  moved.Path = MakePath(L"C:\\D\\B.doc");
   Track(1, L"c:\\d\\a.doc", ZT_OVERWRITE).Similar = true;
   Track(1, L"c:\\d\\c.doc", ZT_OVERWRITE);
-  ItemOf(1)->QuarantineList.Add(L"c:\\d\\x.doc");
+  AddPath(ItemOf(1)->QuarantineList, L"c:\\d\\x.doc");
   FinalStateRecorder recorder;
   EXPECT_TRUE(VisitFinalState(engine_, 1, recorder));
   EXPECT_EQ(recorder.told,

@@ -14,7 +14,8 @@
 #include <limits>
 #include <map>
 #include <string>
-#include <utility>
+#include <type_traits>
+#include <vector>
 
 #include "tests/support/engine_test.h"
 #include "tests/support/state_dump.h"
@@ -127,70 +128,33 @@ TEST(FileItemTest, ANewItemIsZeroAndEmpty) {
   EXPECT_EQ(file.ReadInfo, 0U);
   EXPECT_EQ(file.Path, L"");
   EXPECT_EQ(file.CreateInfo, 0U);
-  EXPECT_EQ(file.Block.Get(), nullptr);
 }
 
-TEST(FileBlockTest, HoldsFiveHundredAndTwelveZeroBytesOnceItIsEdited) {
-  ZtFileBlock block;
-  EXPECT_EQ(block.Get(), nullptr);
-  EXPECT_EQ(block.Edit().size(), 512U);
-  ASSERT_NE(block.Get(), nullptr);
-  EXPECT_THAT(*block.Get(), Each(std::byte{0}));
+/// The distances of members from the start of their record, which must rise.
+template <typename Record, typename... Members>
+std::vector<std::ptrdiff_t> Offsets(const Record& record, const Members&... members) {
+  const auto* const start = reinterpret_cast<const unsigned char*>(&record);
+  return {(reinterpret_cast<const unsigned char*>(&members) - start)...};
 }
 
-TEST(FileBlockTest, EditKeepsWhatWasStored) {
-  ZtFileBlock block;
-  block.Edit()[511] = std::byte{9};
-  EXPECT_EQ(block.Edit()[511], std::byte{9});
+TEST(FileItemTest, MembersStandInTheInterfacesOrder) {
+  const ZT_FILE_ITEM file;
+  const std::vector<std::ptrdiff_t> offsets =
+      Offsets(file, file.Written, file.Similar, file.Renamed, file.SimilarMark, file.Created, file.ReadStarted, file.penalized,
+              file.State, file.FirstTime, file.Context, file.ReadInfo, file.Path, file.CreateInfo, file.Block);
+  EXPECT_TRUE(std::is_sorted(offsets.begin(), offsets.end()));
+  static_assert(sizeof(file.Block) == 512);
+  EXPECT_THAT(file.Block, Each(0));
 }
 
-TEST(FileBlockTest, CopiesAreDeep) {
-  ZtFileBlock block;
-  block.Edit()[0] = std::byte{1};
-  ZtFileBlock constructed(block);
-  ZtFileBlock assigned;
-  assigned = block;
-  block.Edit()[0] = std::byte{2};
-  EXPECT_EQ((*constructed.Get())[0], std::byte{1});
-  EXPECT_EQ((*assigned.Get())[0], std::byte{1});
-}
-
-TEST(FileBlockTest, ACopyOfAnEmptyBlockIsEmpty) {
-  const ZtFileBlock empty;
-  ZtFileBlock block(empty);
-  EXPECT_EQ(block.Get(), nullptr);
-  block.Edit()[0] = std::byte{1};
-  block = empty;
-  EXPECT_EQ(block.Get(), nullptr);
-}
-
-TEST(FileBlockTest, SelfAssignmentKeepsTheBytes) {
-  ZtFileBlock block;
-  block.Edit()[5] = std::byte{5};
-  const ZtFileBlock& same = block;
-  block = same;
-  ASSERT_NE(block.Get(), nullptr);
-  EXPECT_EQ((*block.Get())[5], std::byte{5});
-}
-
-TEST(FileBlockTest, AMoveHandsTheBytesOver) {
-  ZtFileBlock block;
-  block.Edit()[5] = std::byte{5};
-  const ZtFileBlock moved(std::move(block));
-  ASSERT_NE(moved.Get(), nullptr);
-  EXPECT_EQ((*moved.Get())[5], std::byte{5});
-}
-
-TEST(FileItemTest, ACopyCarriesTheFurtherData) {
-  ZT_FILE_ITEM file;
-  file.State = ZT_READ_START;
-  file.Path = L"C:\\A.doc";
-  file.Block.Edit()[1] = std::byte{1};
-  const ZT_FILE_ITEM copy = file;
-  file.Block.Edit()[1] = std::byte{2};
-  EXPECT_EQ(copy.State, 2U);
-  EXPECT_EQ(copy.Path, L"C:\\A.doc");
-  EXPECT_EQ((*copy.Block.Get())[1], std::byte{1});
+TEST(PidItemTest, MembersStandInTheInterfacesOrder) {
+  const ZT_PID_ITEM item;
+  const std::vector<std::ptrdiff_t> offsets = Offsets(
+      item, item.Exiting, item.Score, item.LastWriteLength, item.LastWriteOffset, item.LastWriteDiff, item.Pid, item.ScoreTime,
+      item.NameDiff, item.files, item.QuarantineList, item.CreatedFilesList, item.PrevFolder, item.ImagePath);
+  EXPECT_TRUE(std::is_sorted(offsets.begin(), offsets.end()));
+  static_assert(std::is_same_v<decltype(item.QuarantineList), std::vector<std::wstring>>);
+  static_assert(std::is_same_v<decltype(item.CreatedFilesList), std::vector<std::wstring>>);
 }
 
 TEST(PublicFileItemTest, HoldsItsMembersInOrderWithAZeroRemainder) {
@@ -265,7 +229,7 @@ TEST_F(RecordTest, TheContextOfTheFillingEventIsKept) {
   log.Context = 2;
   log.Time = 556;
   Insert(log);
-  const ZT_FILE_ITEM* file = FileOf(10, L"c:\\a.doc");
+  const FileItem* file = FileOf(10, L"c:\\a.doc");
   ASSERT_NE(file, nullptr);
   EXPECT_EQ(file->Context, 0x8000000000000001U);
   EXPECT_EQ(file->FirstTime, 555);

@@ -158,9 +158,9 @@ TEST_F(LogInsertionTest, AnUnknownIdTakesTheEventsTimeAsItsStart) {
   core().StartTimes.erase(10);
   Insert(At(Open(10, L"c:\\late.doc"), 101));
   Insert(At(Open(10, L"c:\\exact.doc"), 100));
-  const ZT_PID_ITEM& item = core().Tree.Find({10, 100})->Item;
-  EXPECT_EQ(item.files.count(L"c:\\late.doc"), 0U);
-  EXPECT_EQ(item.files.count(L"c:\\exact.doc"), 1U);
+  ProcessItem& item = core().Tree.Find({10, 100})->Item;
+  EXPECT_FALSE(HasFile(item, L"c:\\late.doc"));
+  EXPECT_TRUE(HasFile(item, L"c:\\exact.doc"));
 }
 
 TEST_F(LogInsertionTest, TheCallersRecordIsNotWritten) {
@@ -335,7 +335,7 @@ TEST_F(LogInsertionTest, TheLargerPenaltyOfBothPassesIsCharged) {
 TEST_F(LogInsertionTest, TheLastCallbackGivesThePathAlsoWhenItReturnedZero) {
   StartFamily();
   Track(20, kDoc, ZT_READ_START);
-  Track(10, kDoc, ZT_SECTION_SYNC).Path = L"C:\\D\\First.doc";  // Its write is refused: no similar file was found.
+  Track(10, kDoc, ZT_SECTION_SYNC).Path = MakePath(L"C:\\D\\First.doc");  // Its write is refused: no similar file was found.
   TraceCapture trace(0x2);
   trace.Take();
   EXPECT_EQ(Insert(Write(20, kDoc)), 0);

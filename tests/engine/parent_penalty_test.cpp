@@ -17,7 +17,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// An ancestor with the id 5 and a descendant's file records.
+/// An ancestor with the id 5.
 class ParentPenaltyTest : public ::testing::Test {
  protected:
   static constexpr std::int64_t kTime = 777;
@@ -25,13 +25,12 @@ class ParentPenaltyTest : public ::testing::Test {
   ParentPenaltyTest() {
     ancestor_.Pid = 5;
     ancestor_.Score = 2;
-    log_.Time = kTime;
   }
 
-  /// Charges the ancestor for the descendant's file `path`.
+  /// Charges the ancestor for the file `path`.
   bool Charge(const std::wstring& path, std::uint32_t factor = 3) {
-    const auto& file = *descendants_files_.try_emplace(path).first;
-    ParentPenalty penalty(factor, log_, file);
+    OwnedPath file(path);
+    ParentPenalty penalty(factor, time_, file.name());
     penalty.Add(entry_);
     bool charged = false;
     penalty.Charge([&](const ProcessTree::Entry& entry, std::int32_t) { charged = &entry == &entry_; });
@@ -39,9 +38,8 @@ class ParentPenaltyTest : public ::testing::Test {
   }
 
   ProcessTree::Entry entry_;
-  ZT_PID_ITEM& ancestor_ = entry_.Item;
-  LOG_ITEM log_ = {};
-  ZtFileMap descendants_files_;
+  ProcessItem& ancestor_ = entry_.Item;
+  std::int64_t time_ = kTime;
 };
 
 TEST_F(ParentPenaltyTest, ScoreIsMultipliedAndTheTimeStamped) {
@@ -53,7 +51,7 @@ TEST_F(ParentPenaltyTest, ScoreIsMultipliedAndTheTimeStamped) {
 TEST_F(ParentPenaltyTest, FileThatTheAncestorNeverTouchedIsAddedMarked) {
   Charge(L"c:\\f");
   ASSERT_EQ(ancestor_.files.size(), 1u);
-  const ZT_FILE_ITEM& file = ancestor_.files.at(L"c:\\f");
+  const FileItem& file = (*FindFile(ancestor_, L"c:\\f"));
   EXPECT_TRUE(file.penalized);
   EXPECT_FALSE(file.Written || file.Similar || file.Renamed || file.SimilarMark || file.Created || file.ReadStarted);
   EXPECT_EQ(file.State, 0u);
@@ -65,9 +63,9 @@ TEST_F(ParentPenaltyTest, FileThatTheAncestorNeverTouchedIsAddedMarked) {
 }
 
 TEST_F(ParentPenaltyTest, KnownFileIsMarkedAndOtherwiseKept) {
-  ZT_FILE_ITEM& file = ancestor_.files[L"c:\\f"];
+  FileItem& file = EnterFile(ancestor_, L"c:\\f");
   file.State = 2;
-  file.Path = L"C:\\F";
+  file.Path = MakePath(L"C:\\F");
   EXPECT_TRUE(Charge(L"c:\\f"));
   EXPECT_EQ(ancestor_.Score, 6);
   EXPECT_EQ(ancestor_.ScoreTime, kTime);
@@ -79,7 +77,7 @@ TEST_F(ParentPenaltyTest, KnownFileIsMarkedAndOtherwiseKept) {
 
 TEST_F(ParentPenaltyTest, FileChargesAnAncestorOnce) {
   Charge(L"c:\\f");
-  log_.Time = kTime + 1;
+  time_ = kTime + 1;
   EXPECT_FALSE(Charge(L"c:\\f"));
   EXPECT_EQ(ancestor_.Score, 6);
   EXPECT_EQ(ancestor_.ScoreTime, kTime);
@@ -92,40 +90,28 @@ TEST_F(ParentPenaltyTest, EveryFileCharges) {
 }
 
 TEST_F(ParentPenaltyTest, AChargeThatDoesNotFollowLeavesNothing) {
-  ancestor_.files[L"c:\\known"].State = 2;
-  const auto& known = *descendants_files_.try_emplace(L"c:\\known").first;
-  const auto& fresh = *descendants_files_.try_emplace(L"c:\\fresh").first;
+  EnterFile(ancestor_, L"c:\\known").State = 2;
+  OwnedPath known(L"c:\\known");
+  OwnedPath fresh(L"c:\\fresh");
   {
-    ParentPenalty penalty(3, log_, known);
+    ParentPenalty penalty(3, time_, known.name());
     penalty.Add(entry_);
-    ParentPenalty other(3, log_, fresh);
+    ParentPenalty other(3, time_, fresh.name());
     other.Add(entry_);
     EXPECT_EQ(ancestor_.files.size(), 2u);
   }
   ASSERT_EQ(ancestor_.files.size(), 1u);
-  EXPECT_FALSE(ancestor_.files.at(L"c:\\known").penalized);
+  EXPECT_FALSE((*FindFile(ancestor_, L"c:\\known")).penalized);
   EXPECT_EQ(ancestor_.Score, 2);
 }
 
 TEST_F(ParentPenaltyTest, AChargeReportsTheScoreBefore) {
-  const auto& file = *descendants_files_.try_emplace(L"c:\\f").first;
-  ParentPenalty penalty(3, log_, file);
+  OwnedPath file(L"c:\\f");
+  ParentPenalty penalty(3, time_, file.name());
   penalty.Add(entry_);
   std::int32_t before = 0;
   penalty.Charge([&](const ProcessTree::Entry&, std::int32_t score) { before = score; });
   EXPECT_EQ(before, 2);
-}
-
-TEST_F(ParentPenaltyTest, MarkOfTheDescendantsRecordIsNotRead) {
-  descendants_files_[L"c:\\f"].penalized = true;
-  EXPECT_TRUE(Charge(L"c:\\f"));
-  EXPECT_EQ(ancestor_.Score, 6);
-}
-
-TEST_F(ParentPenaltyTest, PathsAreComparedExactly) {
-  ancestor_.files[L"c:\\F"].penalized = true;
-  EXPECT_TRUE(Charge(L"c:\\f"));
-  EXPECT_EQ(ancestor_.files.size(), 2u);
 }
 
 TEST_F(ParentPenaltyTest, IgnoredAncestorStaysIgnored) {
@@ -133,7 +119,7 @@ TEST_F(ParentPenaltyTest, IgnoredAncestorStaysIgnored) {
   EXPECT_TRUE(Charge(L"c:\\f"));
   EXPECT_EQ(ancestor_.Score, 0);
   EXPECT_EQ(ancestor_.ScoreTime, kTime);
-  EXPECT_TRUE(ancestor_.files.at(L"c:\\f").penalized);
+  EXPECT_TRUE((*FindFile(ancestor_, L"c:\\f")).penalized);
 }
 
 TEST_F(ParentPenaltyTest, ProductWrapsAt32Bits) {
@@ -158,14 +144,14 @@ TEST_F(ParentPenaltyTest, NewFileIsTraced) {
 }
 
 TEST_F(ParentPenaltyTest, KnownFileIsTraced) {
-  ancestor_.files[L"c:\\f"];
+  EnterFile(ancestor_, L"c:\\f");
   TraceCapture trace(kTraceDebug);
   Charge(L"c:\\f", 6);
   EXPECT_THAT(trace.Take(), ElementsAre(TraceLine{769, "debug", "Parent pid 5"}, TraceLine{775, "debug", "Parent Penalty 6"}));
 }
 
 TEST_F(ParentPenaltyTest, ChargedFileTracesOnlyTheAncestor) {
-  ancestor_.files[L"c:\\f"].penalized = true;
+  EnterFile(ancestor_, L"c:\\f").penalized = true;
   TraceCapture trace(kTraceDebug);
   Charge(L"c:\\f");
   EXPECT_THAT(trace.Take(), ElementsAre(TraceLine{769, "debug", "Parent pid 5"}));

@@ -59,7 +59,7 @@ TEST_F(ProcessEventsTest, AProcessOfAnUnknownCreatorIsEnteredWithoutALink) {
 
 TEST_F(ProcessEventsTest, ANewProcessBeginsWithTheScoreOneAndNothingElse) {
   StartProcess(10, 100, L"C:\\App.exe");
-  const ZT_PID_ITEM* item = ItemOf(10);
+  const ProcessItem* item = ItemOf(10);
   ASSERT_NE(item, nullptr);
   EXPECT_EQ(item->Exiting, 0U);
   EXPECT_EQ(item->Score, 1);
@@ -70,7 +70,7 @@ TEST_F(ProcessEventsTest, ANewProcessBeginsWithTheScoreOneAndNothingElse) {
   EXPECT_EQ(item->ScoreTime, 0);
   EXPECT_THAT(item->files, IsEmpty());
   EXPECT_TRUE(item->QuarantineList.empty() && item->CreatedFilesList.empty());
-  EXPECT_EQ(item->NameDiff + item->PrevFolder, L"");
+  EXPECT_EQ(item->NameDiff + item->PrevFolder, u"");
   EXPECT_EQ(item->ImagePath, L"C:\\App.exe");
 }
 
@@ -152,9 +152,9 @@ TEST_F(ProcessEventsTest, AReusedIdMeansTheNewProcessAndTheOldOneStays) {
   EXPECT_EQ(core().StartTimes[10], 200);
   EXPECT_EQ(Overwrite(10, L"c:\\b.doc"), 2);
   ASSERT_EQ(core().Tree.size(), 2U);
-  EXPECT_EQ(core().Tree.Find({10, 100})->Item.files.count(L"c:\\b.doc"), 0U);
+  EXPECT_FALSE(HasFile(core().Tree.Find({10, 100})->Item, L"c:\\b.doc"));
   EXPECT_EQ(core().Tree.Find({10, 100})->Item.Score, 2);
-  EXPECT_EQ(core().Tree.Find({10, 200})->Item.files.count(L"c:\\b.doc"), 1U);
+  EXPECT_TRUE(HasFile(core().Tree.Find({10, 200})->Item, L"c:\\b.doc"));
 }
 
 TEST_F(ProcessEventsTest, ALaterEventWithAnEarlierStartTimeStillNamesTheNewestProcess) {

@@ -27,7 +27,7 @@ constexpr std::uint32_t kNoLimit = std::numeric_limits<std::uint32_t>::max();
 class ProcessTreeTest : public ::testing::Test {
  protected:
   ProcessTree::Entry& Insert(const ZtProcKey& child, const ZtProcKey& parent = kNobody, std::wstring image = L"") {
-    ZT_PID_ITEM item;
+    ProcessItem item;
     item.Pid = child.Pid;
     item.ImagePath = std::move(image);
     return tree_.Insert(child, parent, std::move(item));

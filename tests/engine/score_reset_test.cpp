@@ -29,9 +29,9 @@ class ScoreResetTest : public EngineTest {
   void Collect() { ZtResetScore(engine_, kNow, kNoScore); }
 
   /// A process with the score 7 and its last penalty at `score_time`.
-  ZT_PID_ITEM& StartScored(std::uint64_t pid, std::int64_t score_time, std::int32_t score = 7) {
+  ProcessItem& StartScored(std::uint64_t pid, std::int64_t score_time, std::int32_t score = 7) {
     StartProcess(pid);
-    ZT_PID_ITEM& item = *ItemOf(pid);
+    ProcessItem& item = *ItemOf(pid);
     item.Score = score;
     item.ScoreTime = score_time;
     return item;
@@ -45,7 +45,7 @@ class ScoreResetTest : public EngineTest {
   /// Whether a file record of the time `first_time` is erased at `now`.
   bool IsErased(std::int64_t now, std::int64_t first_time) {
     StartProcess(10);
-    ItemOf(10)->files[L"c:\\f"].FirstTime = first_time;
+    EnterFile(*ItemOf(10), L"c:\\f").FirstTime = first_time;
     ZtResetScore(engine_, now, kNoScore);
     return FileOf(10, L"c:\\f") == nullptr;
   }
@@ -189,14 +189,14 @@ TEST_F(ScoreResetTest, KeepTimeIsTheEngines) {
 
 TEST_F(ScoreResetTest, OldFileThatNeedsRecoveryIsKept) {
   StartProcess(10);
-  ItemOf(10)->files[L"c:\\f"].Similar = true;
+  EnterFile(*ItemOf(10), L"c:\\f").Similar = true;
   Collect();
   EXPECT_NE(FileOf(10, L"c:\\f"), nullptr);
 }
 
 TEST_F(ScoreResetTest, OtherMarksDoNotKeepAFile) {
   StartProcess(10);
-  ZT_FILE_ITEM& file = ItemOf(10)->files[L"c:\\f"];
+  FileItem& file = EnterFile(*ItemOf(10), L"c:\\f");
   file.Written = file.Renamed = file.SimilarMark = file.Created = file.ReadStarted = file.penalized = true;
   file.State = 8;
   Collect();
@@ -208,9 +208,9 @@ TEST_F(ScoreResetTest, EveryOldFileOfEveryProcessIsErased) {
   StartProcess(11);
   for (const std::uint64_t pid : {10u, 11u}) {
     for (const wchar_t* const key : {L"c:\\a", L"c:\\b", L"c:\\c", L"c:\\d"}) {
-      ItemOf(pid)->files[key];
+      EnterFile(*ItemOf(pid), key);
     }
-    ItemOf(pid)->files[L"c:\\c"].FirstTime = kNow;
+    EnterFile(*ItemOf(pid), L"c:\\c").FirstTime = kNow;
   }
   Collect();
   EXPECT_EQ(ItemOf(10)->files.size(), 1u);
@@ -228,9 +228,9 @@ TEST_F(ScoreResetTest, ListsOfTheProcessStay) {
 
 TEST_F(ScoreResetTest, ErasedFilesAreTracedInMapOrder) {
   StartProcess(10);
-  ItemOf(10)->files[L"c:\\b"].FirstTime = kNow - 900001 * kUnit;
-  ItemOf(10)->files[L"c:\\a"].FirstTime = kNow - 900002 * kUnit;
-  ItemOf(10)->files[L"c:\\c"].FirstTime = kNow;
+  EnterFile(*ItemOf(10), L"c:\\b").FirstTime = kNow - 900001 * kUnit;
+  EnterFile(*ItemOf(10), L"c:\\a").FirstTime = kNow - 900002 * kUnit;
+  EnterFile(*ItemOf(10), L"c:\\c").FirstTime = kNow;
   EXPECT_THAT(
       TracesOfReset(kTraceDebug, kNow, kNoScore),
       ElementsAre(
@@ -382,7 +382,7 @@ TEST_F(ScoreResetTest, RemovedProcessIsStillResetAndTraced) {
   StartScored(10, 0);
   StartScored(11, kNow);
   EntryOf(10)->LiveCount = 0;
-  ItemOf(10)->files[L"c:\\f"];
+  EnterFile(*ItemOf(10), L"c:\\f");
   EXPECT_THAT(
       TracesOfReset(kTraceDebug | kTraceInfo, kNow, 0),
       ElementsAre(TraceLine{1248, "debug", "ZtResetScore start :: ProcTree size: 2"},
@@ -405,7 +405,7 @@ TEST_F(ScoreResetTest, RemainingProcessesAreTracedInTheOrderOfKeys) {
 
 TEST_F(ScoreResetTest, NothingIsTracedUnderTheWarningBit) {
   StartScored(10, 0);
-  ItemOf(10)->files[L"c:\\f"];
+  EnterFile(*ItemOf(10), L"c:\\f");
   EXPECT_THAT(TracesOfReset(kTraceWarning, kNow, 0), IsEmpty());
 }
 

@@ -19,24 +19,24 @@ using ::testing::Pair;
 
 TEST(SuspiciousExtensionsTest, HoldsEveryExtensionOnce) {
   EXPECT_EQ(SuspiciousExtensions.size(), 342u);
-  const std::set<std::wstring_view> distinct(SuspiciousExtensions.begin(), SuspiciousExtensions.end());
+  const std::set<std::u16string_view> distinct(SuspiciousExtensions.begin(), SuspiciousExtensions.end());
   EXPECT_EQ(distinct.size(), 342u);
 }
 
 TEST(SuspiciousExtensionsTest, ExtensionsStandAtTheirPositions) {
-  EXPECT_EQ(SuspiciousExtensions[0], L"1cd");
-  EXPECT_EQ(SuspiciousExtensions[1], L"3ds");
-  EXPECT_EQ(SuspiciousExtensions[5], L"7z");
-  EXPECT_EQ(SuspiciousExtensions[6], L"accda");
-  EXPECT_EQ(SuspiciousExtensions[35], L"backup");
-  EXPECT_EQ(SuspiciousExtensions[80], L"docx");
-  EXPECT_EQ(SuspiciousExtensions[100], L"epsf");
-  EXPECT_EQ(SuspiciousExtensions[136], L"jpg");
-  EXPECT_EQ(SuspiciousExtensions[170], L"mp3");
-  EXPECT_EQ(SuspiciousExtensions[203], L"pdf");
-  EXPECT_EQ(SuspiciousExtensions[250], L"rle");
-  EXPECT_EQ(SuspiciousExtensions[286], L"txt");
-  EXPECT_EQ(SuspiciousExtensions[341], L"zip");
+  EXPECT_EQ(SuspiciousExtensions[0], u"1cd");
+  EXPECT_EQ(SuspiciousExtensions[1], u"3ds");
+  EXPECT_EQ(SuspiciousExtensions[5], u"7z");
+  EXPECT_EQ(SuspiciousExtensions[6], u"accda");
+  EXPECT_EQ(SuspiciousExtensions[35], u"backup");
+  EXPECT_EQ(SuspiciousExtensions[80], u"docx");
+  EXPECT_EQ(SuspiciousExtensions[100], u"epsf");
+  EXPECT_EQ(SuspiciousExtensions[136], u"jpg");
+  EXPECT_EQ(SuspiciousExtensions[170], u"mp3");
+  EXPECT_EQ(SuspiciousExtensions[203], u"pdf");
+  EXPECT_EQ(SuspiciousExtensions[250], u"rle");
+  EXPECT_EQ(SuspiciousExtensions[286], u"txt");
+  EXPECT_EQ(SuspiciousExtensions[341], u"zip");
 }
 
 // The one descent of the list: every other entry is greater than the one before it.
@@ -48,13 +48,13 @@ TEST(SuspiciousExtensionsTest, AscendsButForOnePair) {
     }
   }
   EXPECT_THAT(descents, ElementsAre(307u));
-  EXPECT_EQ(SuspiciousExtensions[306], L"wb2");
-  EXPECT_EQ(SuspiciousExtensions[307], L"wav");
+  EXPECT_EQ(SuspiciousExtensions[306], u"wb2");
+  EXPECT_EQ(SuspiciousExtensions[307], u"wav");
 }
 
 TEST(SuspiciousExtensionsTest, ExtensionsAreLowerCaseLettersAndDigitsWithoutADot) {
-  const auto fits = [](wchar_t unit) { return (unit >= L'a' && unit <= L'z') || (unit >= L'0' && unit <= L'9'); };
-  for (const std::wstring_view extension : SuspiciousExtensions) {
+  const auto fits = [](char16_t unit) { return (unit >= u'a' && unit <= u'z') || (unit >= u'0' && unit <= u'9'); };
+  for (const std::u16string_view extension : SuspiciousExtensions) {
     EXPECT_FALSE(extension.empty());
     EXPECT_TRUE(std::all_of(extension.begin(), extension.end(), fits)) << std::string(extension.begin(), extension.end());
   }
@@ -62,7 +62,7 @@ TEST(SuspiciousExtensionsTest, ExtensionsAreLowerCaseLettersAndDigitsWithoutADot
 
 TEST(SuspiciousExtensionsTest, EachFirstCharacterHasItsShare) {
   std::map<char, int> counts;
-  for (const std::wstring_view extension : SuspiciousExtensions) {
+  for (const std::u16string_view extension : SuspiciousExtensions) {
     ++counts[static_cast<char>(extension.front())];
   }
   EXPECT_THAT(counts, ElementsAre(Pair('1', 1), Pair('3', 4), Pair('7', 1), Pair('a', 29), Pair('b', 7), Pair('c', 21),

@@ -30,10 +30,10 @@ using ::testing::IsEmpty;
 struct PlainRow {
   const char* name;
   TransitionCallback callback;
-  std::uint32_t from;
+  std::uint8_t from;
   bool with_similar;     // Runs when a similar file was found.
   bool without_similar;  // Runs when none was.
-  std::uint32_t to;
+  std::uint8_t to;
   bool written;
   bool similar;
   std::uint64_t penalty;
@@ -55,7 +55,7 @@ constexpr PlainRow kPlainRows[] = {
 class PlainCallbackTest : public ::testing::TestWithParam<PlainRow> {
  protected:
   static void ExpectStep(bool similar_found) {
-    ZT_FILE_ITEM file;
+    FileItem file;
     file.State = GetParam().from;
     TransitionContext context;
     context.Item = &file;
@@ -75,7 +75,7 @@ class PlainCallbackTest : public ::testing::TestWithParam<PlainRow> {
   }
 
  private:
-  static void ExpectFile(const ZT_FILE_ITEM& file, bool stepped) {
+  static void ExpectFile(const FileItem& file, bool stepped) {
     EXPECT_EQ(file.State, stepped ? GetParam().to : GetParam().from);
     EXPECT_EQ(file.Written, stepped && GetParam().written);
     EXPECT_EQ(file.Similar, stepped && GetParam().similar);
@@ -88,7 +88,7 @@ TEST_P(PlainCallbackTest, StepsOrStaysWithASimilarFile) { ExpectStep(true); }
 TEST_P(PlainCallbackTest, StepsOrStaysWithoutASimilarFile) { ExpectStep(false); }
 
 TEST_P(PlainCallbackTest, KeepsFlagsThatAreSet) {
-  ZT_FILE_ITEM file;
+  FileItem file;
   file.State = GetParam().from;
   file.Written = file.Similar = file.Renamed = file.SimilarMark = file.Created = file.ReadStarted = file.penalized = true;
   TransitionContext context;
@@ -111,11 +111,13 @@ class CallbackTest : public ::testing::Test {
   }
   [[nodiscard]] std::string Dump() const {
     std::ostringstream out;
-    DumpFile(out, L"", file_);
+    TrackedFile tracked((PathText()));
+    tracked.item = file_;
+    DumpFile(out, tracked);
     return out.str();
   }
 
-  ZT_FILE_ITEM file_;
+  FileItem file_;
   TransitionContext context_;
   TraceCapture trace_{0x2};
 };
@@ -134,7 +136,7 @@ class UnknownCreateTest : public CallbackTest {
   }
 
   LOG_ITEM log_ = {};
-  std::wstring path_ = L"C:\\Dir\\A.doc";
+  PathName path_{u"c:\\dir\\a.doc", u"C:\\Dir\\A.doc"};
 };
 
 TEST_F(UnknownCreateTest, FillsTheRecordOfAFileThatExisted) {
@@ -216,8 +218,8 @@ TEST_F(CallbackTest, OpenExistingReadRecordsThePosition) {
 // OpenReadSync.
 
 TEST_F(CallbackTest, OpenReadSyncMovesAFileToTheSectionState) {
-  for (const std::uint32_t from : {1U, 2U}) {
-    file_ = ZT_FILE_ITEM();
+  for (const std::uint8_t from : std::initializer_list<std::uint8_t>{1U, 2U}) {
+    file_ = FileItem();
     file_.State = from;
     EXPECT_EQ(OpenReadSync(&context_), 0U);
     EXPECT_EQ(file_.State, 3U);
@@ -228,8 +230,8 @@ TEST_F(CallbackTest, OpenReadSyncMovesAFileToTheSectionState) {
 }
 
 TEST_F(CallbackTest, OpenReadSyncMovesARenamedFileThroughBothStates) {
-  for (const std::uint32_t from : {1U, 2U}) {
-    file_ = ZT_FILE_ITEM();
+  for (const std::uint8_t from : std::initializer_list<std::uint8_t>{1U, 2U}) {
+    file_ = FileItem();
     file_.State = from;
     file_.Renamed = true;
     context_.SectionRenamed = 0;
@@ -251,99 +253,99 @@ class WriteSimilarRenameTest : public CallbackTest {
     file_.ReadStarted = file_.SimilarMark = true;
     context_.PrevFolder = &prev_folder_;
   }
-  std::uint64_t Move(const std::wstring& source, const std::wstring& dest) {
+  std::uint64_t Move(std::u16string_view source, std::u16string_view dest) {
     context_.SourcePath = source;
     context_.DestPath = dest;
     return WriteSimilarRename(&context_);
   }
 
-  std::wstring prev_folder_;
+  std::u16string prev_folder_;
 };
 
 TEST_F(WriteSimilarRenameTest, NeedsBothAReadAndASimilarMark) {
   for (const bool read_started : {false, true}) {
     file_.ReadStarted = read_started;
     file_.SimilarMark = !read_started;
-    prev_folder_ = L"C:\\out";
-    EXPECT_EQ(Move(L"C:\\a\\x.doc", L"C:\\out\\x.doc"), 0U);
+    prev_folder_ = u"C:\\out";
+    EXPECT_EQ(Move(u"C:\\a\\x.doc", u"C:\\out\\x.doc"), 0U);
     EXPECT_EQ(file_.State, 5U);
-    EXPECT_EQ(prev_folder_, L"C:\\out");
+    EXPECT_EQ(prev_folder_, u"C:\\out");
     EXPECT_THAT(trace_.TakeMessages(), ElementsAre("Callback: WriteSimilarRename"));
   }
 }
 
 TEST_F(WriteSimilarRenameTest, ADestinationWithoutABackslashIsNamedInTheTrace) {
-  EXPECT_EQ(Move(L"C:\\a\\x.doc", L"x.enc"), 0U);
+  EXPECT_EQ(Move(u"C:\\a\\x.doc", u"x.enc"), 0U);
   EXPECT_EQ(file_.State, 5U);
   EXPECT_THAT(trace_.TakeMessages(), ElementsAre("Callback: WriteSimilarRename", "Cannot find \\ in Dst:x.enc"));
 }
 
 TEST_F(WriteSimilarRenameTest, AnEmptyDestinationNeedsNoFolderToCompareWith) {
   context_.PrevFolder = nullptr;  // As for a file that the similar-file search found.
-  EXPECT_EQ(Move(L"", L""), 0U);
+  EXPECT_EQ(Move(u"", u""), 0U);
   EXPECT_EQ(file_.State, 5U);
   EXPECT_THAT(trace_.TakeMessages(), ElementsAre("Callback: WriteSimilarRename", "Cannot find \\ in Dst:"));
 }
 
 TEST_F(WriteSimilarRenameTest, ARenameWithinItsFolderWritesNoFurtherLine) {
-  EXPECT_EQ(Move(L"C:\\a\\x.doc", L"C:\\a\\x.doc.enc"), 0U);
+  EXPECT_EQ(Move(u"C:\\a\\x.doc", u"C:\\a\\x.doc.enc"), 0U);
   EXPECT_EQ(file_.State, 5U);
-  EXPECT_EQ(prev_folder_, L"");
+  EXPECT_EQ(prev_folder_, u"");
   EXPECT_THAT(trace_.TakeMessages(), ElementsAre("Callback: WriteSimilarRename"));
 }
 
 TEST_F(WriteSimilarRenameTest, FoldersAreComparedByTheirCharactersAlone) {
   // The first 4 characters agree, though the source lies deeper.
-  EXPECT_EQ(Move(L"C:\\abc\\x.doc", L"C:\\a\\x.doc"), 0U);
+  EXPECT_EQ(Move(u"C:\\abc\\x.doc", u"C:\\a\\x.doc"), 0U);
   EXPECT_THAT(trace_.TakeMessages(), ElementsAre("Callback: WriteSimilarRename"));
 }
 
 TEST_F(WriteSimilarRenameTest, ASourceShorterThanTheFolderDiffersFromIt) {
-  EXPECT_EQ(Move(L"C:", L"C:\\out\\x.doc"), 0U);
-  EXPECT_EQ(prev_folder_, L"C:\\out");
+  EXPECT_EQ(Move(u"C:", u"C:\\out\\x.doc"), 0U);
+  EXPECT_EQ(prev_folder_, u"C:\\out");
 }
 
 TEST_F(WriteSimilarRenameTest, FoldersThatDifferInLetterCaseDiffer) {
-  EXPECT_EQ(Move(L"C:\\A\\x.doc", L"C:\\a\\x.doc"), 0U);
-  EXPECT_EQ(prev_folder_, L"C:\\a");
-  EXPECT_EQ(Move(L"C:\\B\\x.doc", L"C:\\A\\x.doc"), 0U);
-  EXPECT_EQ(prev_folder_, L"C:\\A");
+  EXPECT_EQ(Move(u"C:\\A\\x.doc", u"C:\\a\\x.doc"), 0U);
+  EXPECT_EQ(prev_folder_, u"C:\\a");
+  EXPECT_EQ(Move(u"C:\\B\\x.doc", u"C:\\A\\x.doc"), 0U);
+  EXPECT_EQ(prev_folder_, u"C:\\A");
   EXPECT_EQ(file_.State, 5U);
 }
 
 TEST_F(WriteSimilarRenameTest, ABackslashAtTheStartIsTheFolderOfNoCharacters) {
   // Nothing comes before it, so source and destination agree there.
-  EXPECT_EQ(Move(L"C:\\a\\x.doc", L"\\x.doc"), 0U);
+  EXPECT_EQ(Move(u"C:\\a\\x.doc", u"\\x.doc"), 0U);
   EXPECT_THAT(trace_.TakeMessages(), ElementsAre("Callback: WriteSimilarRename"));
 }
 
 TEST_F(WriteSimilarRenameTest, TheFirstMoveArmsAndTheSecondFires) {
-  EXPECT_EQ(Move(L"C:\\a\\x.doc", L"C:\\out\\x.doc"), 0U);
+  EXPECT_EQ(Move(u"C:\\a\\x.doc", u"C:\\out\\x.doc"), 0U);
   EXPECT_EQ(file_.State, 5U);
-  EXPECT_EQ(prev_folder_, L"C:\\out");
+  EXPECT_EQ(prev_folder_, u"C:\\out");
   EXPECT_THAT(trace_.TakeMessages(), ElementsAre("Callback: WriteSimilarRename", "New folder:C:\\out"));
 
-  ZT_FILE_ITEM second = file_;
+  FileItem second = file_;
   context_.Item = &second;
-  EXPECT_EQ(Move(L"C:\\b\\y.doc", L"C:\\out\\y.doc"), 2U);
+  EXPECT_EQ(Move(u"C:\\b\\y.doc", u"C:\\out\\y.doc"), 2U);
   EXPECT_EQ(second.State, 9U);
   EXPECT_EQ(file_.State, 5U);
-  EXPECT_EQ(prev_folder_, L"C:\\out");
+  EXPECT_EQ(prev_folder_, u"C:\\out");
   EXPECT_THAT(trace_.TakeMessages(), ElementsAre("Callback: WriteSimilarRename", "New folder:C:\\out",
                                                  "Same folder as previous, ZT_WRITE_SIMILAR_SYNC"));
 }
 
 TEST_F(WriteSimilarRenameTest, AMoveElsewhereArmsAnew) {
-  Move(L"C:\\a\\x.doc", L"C:\\out\\x.doc");
-  EXPECT_EQ(Move(L"C:\\a\\y.doc", L"C:\\out2\\y.doc"), 0U);
-  EXPECT_EQ(prev_folder_, L"C:\\out2");
-  EXPECT_EQ(Move(L"C:\\a\\z.doc", L"C:\\out\\z.doc"), 0U);
+  Move(u"C:\\a\\x.doc", u"C:\\out\\x.doc");
+  EXPECT_EQ(Move(u"C:\\a\\y.doc", u"C:\\out2\\y.doc"), 0U);
+  EXPECT_EQ(prev_folder_, u"C:\\out2");
+  EXPECT_EQ(Move(u"C:\\a\\z.doc", u"C:\\out\\z.doc"), 0U);
   EXPECT_EQ(file_.State, 5U);
 }
 
 TEST_F(WriteSimilarRenameTest, FiringChangesNothingButTheState) {
-  prev_folder_ = L"C:\\out";
-  EXPECT_EQ(Move(L"C:\\a\\x.doc", L"C:\\out\\x.doc"), 2U);
+  prev_folder_ = u"C:\\out";
+  EXPECT_EQ(Move(u"C:\\a\\x.doc", u"C:\\out\\x.doc"), 2U);
   EXPECT_FALSE(file_.Written || file_.Similar || file_.Renamed);
   EXPECT_TRUE(file_.ReadStarted && file_.SimilarMark);
 }
@@ -353,7 +355,7 @@ TEST_F(WriteSimilarRenameTest, FiringChangesNothingButTheState) {
 TEST(CallbackTraceTest, EveryLineIsADebugLine) {
   TraceCapture trace(0x2);
   trace.Take();
-  ZT_FILE_ITEM file;
+  FileItem file;
   file.State = ZT_READ_START;
   TransitionContext context;
   context.Item = &file;
@@ -364,7 +366,7 @@ TEST(CallbackTraceTest, EveryLineIsADebugLine) {
 TEST(CallbackTraceTest, WithoutTheDebugBitNothingIsWritten) {
   TraceCapture trace(0x1 | 0x4);
   trace.Take();
-  ZT_FILE_ITEM file;
+  FileItem file;
   file.State = ZT_READ_START;
   TransitionContext context;
   context.Item = &file;
@@ -374,25 +376,25 @@ TEST(CallbackTraceTest, WithoutTheDebugBitNothingIsWritten) {
 
 // Whoever looks a line of the trace up in the code finds the statement that wrote it.
 TEST(CallbackTraceTest, EveryLineCarriesItsOwnStatementsNumber) {
-  const std::wstring path = L"C:\\a.doc";
-  const LOG_ITEM open = Open(1, path);
-  const LOG_ITEM fresh = CreateFresh(1, path);
+  PathName path(u"c:\\a.doc", u"C:\\a.doc");
+  const LOG_ITEM open = Open(1, L"C:\\a.doc");
+  const LOG_ITEM fresh = CreateFresh(1, L"C:\\a.doc");
   std::set<std::int32_t> numbers;
   std::size_t lines = 0;
   for (const TransitionCallback callback :
        {UnknownCreate, DeletedCreate, OpenExistingRead, OpenReadSync, ReadWrite, DeleteWrite, SyncWrite, WriteSimilarDelete,
         ReadDelete, DeleteOrgRename, SyncRename, WriteSimilarRename}) {
-    ZT_FILE_ITEM file;
+    FileItem file;
     file.Renamed = file.ReadStarted = file.SimilarMark = true;
-    std::wstring folder = L"d:\\out";
+    std::u16string folder = u"d:\\out";
     TransitionContext context;
     context.Item = &file;
     context.FilePath = &path;
     context.Log = callback == DeletedCreate ? &fresh : &open;
     context.SimilarFound = callback == DeleteWrite || callback == SyncWrite || callback == DeleteOrgRename;
     context.PrevFolder = &folder;
-    context.SourcePath = L"c:\\a.doc";
-    context.DestPath = L"d:\\out\\a.doc";
+    context.SourcePath = u"c:\\a.doc";
+    context.DestPath = u"d:\\out\\a.doc";
     TraceCapture trace(0x2);
     trace.Take();
     callback(&context);

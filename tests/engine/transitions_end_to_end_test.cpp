@@ -25,7 +25,7 @@ class StateMachineTest : public EngineTest {
   StateMachineTest() { StartProcess(10); }
 
   std::uint32_t StateOf(const std::wstring& key) {
-    const ZT_FILE_ITEM* file = FileOf(10, key);
+    const FileItem* file = FileOf(10, key);
     return file == nullptr ? 0xFFFFFFFF : file->State;
   }
   ZtLong DeleteAlt(const std::wstring& path) { return Insert(MakeEvent(BehaviorDeleteAlt, 10, path)); }
@@ -154,8 +154,9 @@ TEST_F(SimilarWriteTest, ACopyOfAReadFileIsPenalisedOnceTheOriginalIsDeleted) {
 }
 
 TEST_F(SimilarWriteTest, ACopyOfAFileWithoutATransitionOnlyMovesIt) {
-  for (const std::uint32_t state : {ZT_UNKNOWN, ZT_OPEN_EXISTING, ZT_OVERWRITE, ZT_WRITE_SIMILAR, ZT_RENAME_SECTION_SYNC,
-                                    ZT_WRITTEN_DELETE, ZT_WRITE_SIMILAR_SYNC, ZT_MAX}) {
+  for (const std::uint8_t state :
+       std::initializer_list<std::uint8_t>{ZT_UNKNOWN, ZT_OPEN_EXISTING, ZT_OVERWRITE, ZT_WRITE_SIMILAR, ZT_RENAME_SECTION_SYNC,
+                                           ZT_WRITTEN_DELETE, ZT_WRITE_SIMILAR_SYNC, ZT_MAX}) {
     Track(10, kDoc, state);
     TraceCapture trace(0x2);
     trace.Take();
@@ -183,14 +184,14 @@ TEST_F(SimilarWriteTest, AMappedFileWhoseCopyIsRenamedOntoStaysSimilar) {
 }
 
 TEST_F(SimilarWriteTest, AFileThatWasSimilarAlreadyHasNoFolderToCompare) {
-  ZT_FILE_ITEM& file = Track(10, kDoc, ZT_WRITE_SIMILAR);
+  FileItem& file = Track(10, kDoc, ZT_WRITE_SIMILAR);
   file.ReadStarted = file.SimilarMark = true;
   TraceCapture trace(0x2);
   trace.Take();
   EXPECT_EQ(RenameOntoCopy(), 0);
   EXPECT_THAT(trace.TakeMessages(), IsSupersetOf({"Callback: WriteSimilarRename", "Cannot find \\ in Dst:"}));
   EXPECT_EQ(StateOf(kDoc), ZT_WRITE_SIMILAR);
-  EXPECT_EQ(ItemOf(10)->PrevFolder, L"");
+  EXPECT_EQ(ItemOf(10)->PrevFolder, u"");
 }
 
 // Similar files moved into one folder.
@@ -198,7 +199,7 @@ TEST_F(SimilarWriteTest, AFileThatWasSimilarAlreadyHasNoFolderToCompare) {
 class SimilarMoveTest : public StateMachineTest {
  protected:
   void TrackSimilar(const std::wstring& key) {
-    ZT_FILE_ITEM& file = Track(10, key, ZT_WRITE_SIMILAR);
+    FileItem& file = Track(10, key, ZT_WRITE_SIMILAR);
     file.ReadStarted = file.SimilarMark = true;
   }
 };
@@ -210,7 +211,7 @@ TEST_F(SimilarMoveTest, TheSecondMoveIntoOneFolderIsPenalisedByTwo) {
   trace.Take();
   EXPECT_EQ(Insert(Rename(10, L"C:\\D\\one.docx", L"C:\\Out\\1.bin")), 0);
   EXPECT_THAT(trace.TakeMessages(), Contains("New folder:c:\\out"));
-  EXPECT_EQ(ItemOf(10)->PrevFolder, L"c:\\out");
+  EXPECT_EQ(ItemOf(10)->PrevFolder, u"c:\\out");
   EXPECT_EQ(StateOf(L"c:\\d\\one.docx"), ZT_WRITE_SIMILAR);
 
   EXPECT_EQ(Insert(Rename(10, L"C:\\D\\two.docx", L"C:\\OUT\\2.bin")), 2);
@@ -222,14 +223,14 @@ TEST_F(SimilarMoveTest, TheSecondMoveIntoOneFolderIsPenalisedByTwo) {
 TEST_F(SimilarMoveTest, TheFoldersOfTwoProcessesAreKeptApart) {
   StartProcess(11);
   TrackSimilar(kDoc);
-  ItemOf(11)->PrevFolder = L"c:\\out";
+  ItemOf(11)->PrevFolder = u"c:\\out";
   EXPECT_EQ(Insert(Rename(10, kDoc, L"c:\\out\\1.bin")), 0);
 }
 
 TEST_F(SimilarMoveTest, ARenameWithinTheFolderArmsNothing) {
   TrackSimilar(kDoc);
   EXPECT_EQ(Insert(Rename(10, kDoc, L"c:\\d\\zzz")), 0);
-  EXPECT_EQ(ItemOf(10)->PrevFolder, L"");
+  EXPECT_EQ(ItemOf(10)->PrevFolder, u"");
   EXPECT_EQ(StateOf(kDoc), ZT_WRITE_SIMILAR);
 }
 
@@ -251,7 +252,7 @@ TEST_F(StateMachineTest, AWriteInTheFirstStateYieldsNoPenalty) {
 }
 
 TEST_F(StateMachineTest, AFreshCreateOfAFileInTheFirstStateLeavesItUnnamed) {
-  Track(10, kDoc, ZT_UNKNOWN).Path.clear();
+  Track(10, kDoc, ZT_UNKNOWN).Path = PathText();
   EXPECT_EQ(Insert(CreateFresh(10, kDoc)), 0);
   EXPECT_EQ(StateOf(kDoc), ZT_UNKNOWN);
   EXPECT_EQ(FileOf(10, kDoc)->Path, L"");
@@ -271,8 +272,9 @@ TEST_F(StateMachineTest, TheSecondCreateCodeMakesARecordThatTheFirstThenFills) {
 }
 
 TEST_F(StateMachineTest, TerminalStatesIgnoreEveryEventOnTheFile) {
-  for (const std::uint32_t state : {ZT_OVERWRITE, ZT_RENAME_SECTION_SYNC, ZT_WRITTEN_DELETE, ZT_WRITE_SIMILAR_SYNC, ZT_MAX}) {
-    ZT_FILE_ITEM& file = Track(10, kDoc, state);
+  for (const std::uint8_t state : std::initializer_list<std::uint8_t>{ZT_OVERWRITE, ZT_RENAME_SECTION_SYNC, ZT_WRITTEN_DELETE,
+                                                                      ZT_WRITE_SIMILAR_SYNC, ZT_MAX}) {
+    FileItem& file = Track(10, kDoc, state);
     file.Created = file.Renamed = file.ReadStarted = file.SimilarMark = true;
     EXPECT_EQ(Insert(Open(10, kDoc)), 0);
     EXPECT_EQ(Insert(CreateFresh(10, kDoc)), 0);
@@ -290,7 +292,7 @@ TEST_F(StateMachineTest, TerminalStatesIgnoreEveryEventOnTheFile) {
 }
 
 TEST_F(StateMachineTest, BothDeleteCodesGiveTheSameStateAndResultFromEveryState) {
-  for (std::uint32_t state = 0; state <= 10; ++state) {
+  for (std::uint8_t state = 0; state <= 10; ++state) {
     const std::wstring first = L"c:\\f" + std::to_wstring(state) + L"\\first";
     const std::wstring second = L"c:\\f" + std::to_wstring(state) + L"\\second";
     Track(10, first, state).Created = true;

@@ -42,9 +42,7 @@ class CulpritsTest : public ::testing::Test {
     Insert(Write(pid, path + L".locked"));
     return Insert(Delete(pid, path));
   }
-  std::uint64_t Insert(LOG_ITEM log) {
-    return culprits_.Take(log.Pid, log.Behavior, ZtInsertLog(engine_, &log)).value_or(0);
-  }
+  std::uint64_t Insert(LOG_ITEM log) { return culprits_.Take(log.Pid, log.Behavior, ZtInsertLog(engine_, &log)).value_or(0); }
   static std::wstring FileOf(int number) { return L"c:\\d\\" + std::to_wstring(number) + L".doc"; }
 
   std::shared_ptr<void> engine_;

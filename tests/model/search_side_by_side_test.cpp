@@ -1,82 +1,34 @@
-// The similar-file search of the engine, which looks entries up, and that of the model, which walks over all of them, get the
-// same folders and targets: a million searches a run. Result, learned difference and, for some of the folders, trace have to
-// agree.
+// The similar-file search of the engine, which asks the table of a process's files, that of the export, which walks the host's
+// map, and that of the model get the same folders and targets: more than a million searches a run. Result, learned difference
+// and, for some of the folders, trace have to agree.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
-#include <random>
+#include <memory>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
+#include "engine/context.h"
 #include "engine/similar_file.h"
 #include "tests/model/model_similar.h"
+#include "tests/model/search_names.h"
+#include "tests/support/records.h"
 #include "tests/support/trace_capture.h"
 #include "trace/trace.h"
 
 namespace zt::model {
 namespace {
 
+using zt::testing::OwnedPath;
 using zt::testing::TraceCapture;
 using zt::testing::TraceLine;
 
 constexpr std::size_t kFoldersOfABlock = 5000;
 constexpr std::size_t kSearchesOfAFolder = 25;
-
-// Short, so that stems are shared, stand in each other, are empty or hold dots; with units that sort before and behind the dot
-// and the backslash, and the first and last units there are.
-constexpr std::array<std::wstring_view, 7> kAlphabets = {
-    L"ab.", L"ab.-\\", L"abc.\\", L"a.", L"a-\\. ", L"xyzabc.-/\\", std::wstring_view(L"a.\x1\xffff\\", 5)};
-
-/// Random keys and targets over one alphabet.
-class Names {
- public:
-  explicit Names(std::uint32_t seed) : random_(seed), alphabet_(kAlphabets[Below(kAlphabets.size())]) {}
-
-  std::size_t Below(std::size_t bound) { return random_() % bound; }
-
-  std::wstring Text(std::size_t longest) {
-    std::wstring text(Below(longest + 1), L' ');
-    for (wchar_t& unit : text) {
-      unit = alphabet_[Below(alphabet_.size())];
-    }
-    return text;
-  }
-
-  std::wstring Path(std::size_t longest_name) {
-    switch (Below(6)) {
-      case 0:
-        return Text(longest_name);  // Often without a backslash.
-      case 1:
-        return L"c:\\" + Text(longest_name);
-      case 2:
-        return L"c:\\d\\e\\" + Text(longest_name);
-      case 3:
-        return Text(4) + L"\\" + Text(longest_name);
-      default:
-        return L"c:\\d\\" + Text(longest_name);
-    }
-  }
-
-  /// A new path, or a known one with something put into it.
-  std::wstring Target(const std::vector<std::wstring>& known) {
-    if (known.empty() || Below(3) != 0) {
-      return Path(9);
-    }
-    std::wstring target = known[Below(known.size())];
-    target.insert(Below(target.size() + 1), Text(3));
-    return Below(2) == 0 ? target : target + Text(3);
-  }
-
- private:
-  std::mt19937 random_;
-  std::wstring_view alphabet_;
-};
 
 /// What one search shows: the key found, or nothing, and the difference known afterwards.
 struct Outcome {
@@ -105,33 +57,70 @@ bool SameLines(const std::vector<TraceLine>& engine, const std::vector<ModelLine
 
 /// How the engine searches.
 struct Way {
-  std::uint32_t block = 0;  ///< Which folders.
-  bool indexed = false;     ///< With the index of a process's files, as for an event, or by the map alone, as for the export.
+  std::uint32_t block = 0;      ///< Which folders.
+  std::size_t small_group = 0;  ///< Of the search of the table; 0 for the export's walk.
+  Shape shape = Shape::kRandom;
+};
+
+/// The engine's side of one folder.
+class Searched {
+ public:
+  explicit Searched(const Way& way) : way_(way) {}
+
+  void Enter(const std::wstring& key) {
+    table_.FindOrAdd(OwnedPath(key).name());
+    process_.files.try_emplace(key);
+  }
+  void Forget(const std::wstring& key) {
+    table_.Erase(*table_.Find(OwnedPath(key).name()));
+    process_.files.erase(key);
+  }
+  Outcome Search(const std::wstring& target) {
+    if (way_.small_group == 0) {
+      const auto found = ZtSearchSimilarFile(engine_, process_, process_.files, target);
+      const bool is_found = found != process_.files.end();
+      return {is_found, is_found ? found->first : L"", process_.NameDiff};
+    }
+    const TrackedFile* const found = SearchSimilarFile(name_diff_, table_, OwnedPath(target).name(), way_.small_group);
+    return {found != nullptr, found == nullptr ? L"" : Widen(found->key.Lower()), Widen(name_diff_)};
+  }
+
+ private:
+  Way way_;
+  FileTable table_;
+  std::u16string name_diff_;
+  std::shared_ptr<_ZtEngineCore> engine_ = std::make_shared<_ZtEngineCore>(1);
+  ZT_PID_ITEM process_;
 };
 
 class SearchSideBySideTest : public ::testing::TestWithParam<Way> {
  protected:
   /// Searches one random folder; `capture` catches the engine's lines, or is null.
   void SearchFolder(std::uint32_t seed, TraceCapture* capture) {
-    Names names(seed);
-    ZT_PID_ITEM process;
-    ZtFileIndex* const index = GetParam().indexed ? &process.FileIndex : nullptr;
+    Names names(seed, GetParam().shape);
+    Searched searched(GetParam());
     FileMap files;
     std::vector<std::wstring> keys;
-    // One in eight has so many that the index has inner nodes.
     for (std::size_t count = names.Below(names.Below(8) == 0 ? 200 : 40); count > 0; --count) {
-      keys.push_back(names.Path(6));
-      process.files.try_emplace(keys.back());
+      keys.push_back(names.Key());
+      searched.Enter(keys.back());
       files.try_emplace(keys.back());
+    }
+    // One key in four goes again.
+    for (const std::wstring& key : keys) {
+      if (names.Below(4) == 0 && files.erase(key) != 0) {
+        searched.Forget(key);
+      }
+    }
+    if (capture != nullptr) {
+      capture->Take();
     }
     std::wstring name_diff;
     ModelTrace trace(capture == nullptr ? 0 : kTraceDebug);
     for (std::size_t search = 0; search < kSearchesOfAFolder; ++search) {
       const std::wstring target = names.Target(keys);
-      const auto found = zt::SearchSimilarFile(process.NameDiff, process.files, index, target);
+      const Outcome engine = searched.Search(target);
       const auto expected = SearchSimilarFile(name_diff, files, target, trace);
-      const Outcome engine = {found != process.files.end(), found == process.files.end() ? L"" : found->first,
-                              process.NameDiff};
       const Outcome model = {expected != files.end(), expected == files.end() ? L"" : expected->first, name_diff};
       ASSERT_EQ(engine, model) << "seed " << seed << ", target \"" << Shown(target) << "\", engine found \""
                                << Shown(engine.key) << "\", model \"" << Shown(model.key) << "\", among" << Shown(keys);
@@ -156,17 +145,22 @@ TEST_P(SearchSideBySideTest, LookingUpAndWalkingTraceTheSame) {
 }
 
 /// `count` ways from `first` on.
-std::vector<Way> Blocks(std::uint32_t first, std::uint32_t count, bool indexed) {
+std::vector<Way> Blocks(std::uint32_t first, std::uint32_t count, std::size_t small_group, Shape shape) {
   std::vector<Way> ways;
   for (std::uint32_t block = first; block < first + count; ++block) {
-    ways.push_back({block, indexed});
+    ways.push_back({block, small_group, shape});
   }
   return ways;
 }
 
-// Eight blocks of 5,000 folders with 25 searches each are the million.
-INSTANTIATE_TEST_SUITE_P(Indexed, SearchSideBySideTest, ::testing::ValuesIn(Blocks(0, 8, true)));
-INSTANTIATE_TEST_SUITE_P(MapAlone, SearchSideBySideTest, ::testing::ValuesIn(Blocks(8, 2, false)));
+// Nine blocks of 5,000 folders with 25 searches each are more than a million.
+INSTANTIATE_TEST_SUITE_P(Random, SearchSideBySideTest, ::testing::ValuesIn(Blocks(0, 3, 8, Shape::kRandom)));
+INSTANTIATE_TEST_SUITE_P(RandomLarge, SearchSideBySideTest, ::testing::ValuesIn(Blocks(3, 2, 1, Shape::kRandom)));
+INSTANTIATE_TEST_SUITE_P(RandomSmall, SearchSideBySideTest, ::testing::ValuesIn(Blocks(5, 1, 100, Shape::kRandom)));
+INSTANTIATE_TEST_SUITE_P(Hostile, SearchSideBySideTest, ::testing::ValuesIn(Blocks(6, 1, 8, Shape::kHostile)));
+INSTANTIATE_TEST_SUITE_P(HostileLarge, SearchSideBySideTest, ::testing::ValuesIn(Blocks(7, 2, 1, Shape::kHostile)));
+INSTANTIATE_TEST_SUITE_P(Export, SearchSideBySideTest, ::testing::ValuesIn(Blocks(9, 1, 0, Shape::kRandom)));
+INSTANTIATE_TEST_SUITE_P(ExportHostile, SearchSideBySideTest, ::testing::ValuesIn(Blocks(10, 1, 0, Shape::kHostile)));
 
 }  // namespace
 }  // namespace zt::model

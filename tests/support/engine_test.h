@@ -15,6 +15,7 @@
 
 #include "engine/context.h"
 #include "tests/support/events.h"
+#include "tests/support/records.h"
 #include "tests/support/trace_capture.h"
 #include "zteng/zteng.h"
 
@@ -63,29 +64,25 @@ class EngineTest : public ::testing::Test {
     return time == nullptr ? nullptr : core().Tree.Find({pid, *time});
   }
   /// Its item, or null.
-  ZT_PID_ITEM* ItemOf(std::uint64_t pid) {
+  ProcessItem* ItemOf(std::uint64_t pid) {
     ProcessTree::Entry* entry = EntryOf(pid);
     return entry == nullptr ? nullptr : &entry->Item;
   }
   /// Its record of the file under the lower-case key, or null.
-  ZT_FILE_ITEM* FileOf(std::uint64_t pid, const std::wstring& key) {
-    ZT_PID_ITEM* item = ItemOf(pid);
-    if (item == nullptr) {
-      return nullptr;
-    }
-    const auto found = item->files.find(key);
-    return found == item->files.end() ? nullptr : &found->second;
+  FileItem* FileOf(std::uint64_t pid, const std::wstring& key) {
+    ProcessItem* item = ItemOf(pid);
+    return item == nullptr ? nullptr : FindFile(*item, key);
   }
   /// Puts a record of the file into the process's records. REQUIRES: the process is known.
-  ZT_FILE_ITEM& Track(std::uint64_t pid, const std::wstring& key, std::uint32_t state) {
-    ZT_FILE_ITEM& file = ItemOf(pid)->files[key];
+  FileItem& Track(std::uint64_t pid, const std::wstring& key, std::uint8_t state) {
+    FileItem& file = EnterFile(*ItemOf(pid), key);
     file.State = state;
-    file.Path = key;
+    file.Path = MakePath(key);
     return file;
   }
   /// Its score; -1 when there is no such process.
   std::int32_t ScoreOf(std::uint64_t pid) {
-    const ZT_PID_ITEM* item = ItemOf(pid);
+    const ProcessItem* item = ItemOf(pid);
     return item == nullptr ? -1 : item->Score;
   }
 

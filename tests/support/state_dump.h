@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "engine/context.h"
+#include "engine/text.h"
 
 namespace zt::testing {
 
@@ -26,7 +27,7 @@ inline std::string Narrow(std::wstring_view text) {
 
 inline void DumpKey(std::ostream& out, const ZtProcKey& key) { out << "(" << key.Pid << ", " << key.Time << ")"; }
 
-inline void DumpPaths(std::ostream& out, const char* name, const ZtPathList& paths) {
+inline void DumpPaths(std::ostream& out, const char* name, const PathList& paths) {
   out << "    " << name << ":";
   for (const std::wstring& path : paths.Paths()) {
     out << " [" << Narrow(path) << "]";
@@ -34,21 +35,23 @@ inline void DumpPaths(std::ostream& out, const char* name, const ZtPathList& pat
   out << "\n";
 }
 
-inline void DumpFile(std::ostream& out, const std::wstring& key, const ZT_FILE_ITEM& file) {
-  out << "    file [" << Narrow(key) << "] state " << file.State << " path [" << Narrow(file.Path.Wide()) << "] time "
-      << file.FirstTime << " context " << file.Context << " read " << file.ReadInfo << " create " << file.CreateInfo
-      << " flags " << file.Written << file.Similar << file.Renamed << file.SimilarMark << file.Created << file.ReadStarted
-      << file.penalized << " block " << (file.Block.Get() != nullptr) << "\n";
+inline void DumpFile(std::ostream& out, const TrackedFile& tracked) {
+  const FileItem& file = tracked.item;
+  out << "    file [" << Narrow(Widen(tracked.key.Lower())) << "] state " << unsigned{file.State} << " path ["
+      << Narrow(file.Path.Wide()) << "] time " << file.FirstTime << " context " << file.Context << " read " << file.ReadInfo
+      << " create " << file.CreateInfo << " flags " << file.Written << file.Similar << file.Renamed << file.SimilarMark
+      << file.Created << file.ReadStarted << file.penalized << "\n";
 }
 
-inline void DumpProcess(std::ostream& out, const ZT_PID_ITEM& item) {
+inline void DumpProcess(std::ostream& out, const ProcessItem& item) {
   out << "    pid " << item.Pid << " exiting " << item.Exiting << " score " << item.Score << " at " << item.ScoreTime
       << " last write " << item.LastWriteLength << "/" << item.LastWriteOffset << "/" << item.LastWriteDiff << " image ["
-      << Narrow(item.ImagePath) << "] diff [" << Narrow(item.NameDiff) << "] folder [" << Narrow(item.PrevFolder) << "]\n";
+      << Narrow(item.ImagePath) << "] diff [" << Narrow(Widen(item.NameDiff)) << "] folder [" << Narrow(Widen(item.PrevFolder))
+      << "]\n";
   DumpPaths(out, "quarantine", item.QuarantineList);
   DumpPaths(out, "created", item.CreatedFilesList);
-  for (const auto& [key, file] : item.files) {
-    DumpFile(out, key, file);
+  for (const TrackedFile* const file : item.files.Sorted([](const TrackedFile&) { return true; })) {
+    DumpFile(out, *file);
   }
 }
 

@@ -11,12 +11,12 @@ class FinalAnswerMaker : public zt::FinalStateVisitor {
  public:
   explicit FinalAnswerMaker(bool keep_paths) : keep_paths_(keep_paths) {}
 
-  void OnQuarantine(const ZtPathList& list) override { answer.quarantine_paths = list.size(); }
-  void OnFile(const std::wstring& /*key*/, const ZT_FILE_ITEM& file, bool restored) override {
+  void OnQuarantine(const zt::PathList& list) override { answer.quarantine_paths = list.size(); }
+  void OnFile(const zt::TrackedFile& file, bool restored) override {
     ++answer.files_to_restore;
     answer.overwritten_files += restored ? 1 : 0;
     if (keep_paths_) {
-      answer.restore_paths.push_back(file.Path.Wide());
+      answer.restore_paths.push_back(file.item.Path.Wide());
     }
   }
 

@@ -12,7 +12,8 @@
 // - A process that runs already when the engine is built has to be announced by a BehaviorProcessCreate event, like one that
 //   starts later. Events of an unknown process change nothing and return 0.
 // - "|" separates the two parts of a target, so it cannot be part of a path.
-// - A host calls ZtResetScore regularly, for example once a minute: nothing else forgets files, processes or scores, and an engine
+// - A host calls ZtResetScore regularly, for example once a minute: nothing else forgets files, processes or scores, and an
+// engine
 //   that is never reset grows for ever.
 // - Every ancestor of a process is charged with what the process does. The process to stop is the deepest one that reached the
 //   host's alarm score, never an ancestor that was only charged; see ZtGetProcTree.
@@ -177,9 +178,9 @@ ZT_API void ZtUpdateScore(std::shared_ptr<void>& engine, void* pid, ZtLong value
 /// The suspicious members of a process's family: those with a score of 2 or more. The family is the subtree under the
 /// process's ancestor at most four levels up.
 ///
-/// Not the list of whom to stop: every ancestor is charged with what a process does, so the shell and the service manager are on
-/// it, too. Stop the deepest process that reached the alarm (it has no descendant that did) and its descendants, and spare the
-/// system's own processes.
+/// Not the list of whom to stop: every ancestor is charged with what a process does, so the shell and the service manager are
+/// on it, too. Stop the deepest process that reached the alarm (it has no descendant that did) and its descendants, and spare
+/// the system's own processes.
 ///
 /// @param engine  the engine
 /// @param pid     the process id; the newest process known under it is meant
@@ -217,9 +218,10 @@ ZT_API std::map<std::wstring, _ZT_FILE_ITEM>::iterator ZtSearchSimilarFile(std::
                                                                            std::map<std::wstring, _ZT_FILE_ITEM>& files,
                                                                            std::wstring target);
 
-/// The periodic clean-up, for example once a minute: nothing else lets scores age or frees what is tracked. Sets the score of every process whose last penalty is old back to 1 (an ignored process counts again
-/// then), forgets file records that are older than 15 minutes (900000 age units) and need no recovery, and removes processes
-/// whose whole subtree has exited; such a process survives one further call.
+/// The periodic clean-up, for example once a minute: nothing else lets scores age or frees what is tracked. Sets the score of
+/// every process whose last penalty is old back to 1 (an ignored process counts again then), forgets file records that are
+/// older than 15 minutes (900000 age units) and need no recovery, and removes processes whose whole subtree has exited; such a
+/// process survives one further call.
 ///
 /// @param engine          the engine
 /// @param now             current time in the unit of LOG_ITEM::Time (100 ns ticks)

@@ -1,0 +1,178 @@
+#include "engine/files/file_table.h"
+
+#include <memory>
+
+namespace zt {
+
+/// What a file is counted under in `marks_`.
+struct FileTable::Marks {
+  Marks(const TrackedFile& file, const PathParts& parts, const TextHash& hash) {
+    const std::u16string_view key = file.key.Lower();
+    if (parts.stem_length() >= PathParts::kStemStart) {
+      static_assert(kEnd <= PathParts::kStemStart);
+      hashes[count++] = parts.stem_start;
+      hashes[count++] = hash(key.substr(parts.stem_end - kEnd, kEnd));
+    }
+    if (key.size() >= kKeyStart) {
+      static_assert(kEnd <= kKeyStart);
+      hashes[count++] = hash(key.substr(0, kKeyStart));
+      hashes[count++] = hash(key.substr(key.size() - kEnd));
+    }
+  }
+
+  std::array<std::uint64_t, 4> hashes = {};
+  std::size_t count = 0;
+};
+
+FileTable& FileTable::operator=(FileTable&& other) noexcept {
+  FileTable taken(std::move(other));
+  std::swap(paths_, taken.paths_);
+  std::swap(stems_, taken.stems_);
+  std::swap(marks_, taken.marks_);
+  std::swap(first_units_, taken.first_units_);
+  std::swap(key_lengths_, taken.key_lengths_);
+  std::swap(stem_lengths_, taken.stem_lengths_);
+  std::swap(extension_lengths_, taken.extension_lengths_);
+  std::swap(last_search_, taken.last_search_);
+  return *this;
+}
+
+FileTable::~FileTable() {
+  stems_.ForEach([](StemFiles files) { delete files.group(); });
+  ForEach([](TrackedFile& file) { delete &file; });
+}
+
+std::pair<TrackedFile*, bool> FileTable::FindOrAdd(PathName& path) {
+  if (TrackedFile* const found = Find(path); found != nullptr) {
+    return {found, false};
+  }
+  auto file = std::make_unique<TrackedFile>(path.Text());
+  paths_.Insert(path.parts().whole, file.get());
+  try {
+    Link(*file, path.parts(), path.hash());
+  } catch (...) {
+    paths_.Erase(path.parts().whole, [&](const TrackedFile* other) { return other == file.get(); });
+    throw;
+  }
+  return {file.release(), true};
+}
+
+void FileTable::Erase(TrackedFile& file, const TextHash& hash) noexcept {
+  const PathParts parts(file.key.Lower(), hash);
+  Unlink(file, parts, hash);
+  paths_.Erase(parts.whole, [&](const TrackedFile* other) { return other == &file; });
+  delete &file;
+}
+
+std::uint32_t FileTable::BeginSearch() noexcept {
+  if (++last_search_ == 0) {  // After 2^32 searches the numbers begin again.
+    ForEach([](TrackedFile& file) { file.last_search = 0; });
+    stems_.ForEach([](StemFiles files) { files.last_search() = 0; });
+    last_search_ = 1;
+  }
+  return last_search_;
+}
+
+// Throws std::bad_alloc with nothing changed.
+void FileTable::Link(TrackedFile& file, const PathParts& parts, const TextHash& hash) {
+  key_lengths_.Reserve(file.key.Lower().size());
+  stem_lengths_.Reserve(parts.stem_length());
+  extension_lengths_.Reserve(file.key.Lower().size() - parts.stem_end);
+  const Marks marks(file, parts, hash);
+  std::size_t added = 0;
+  try {
+    for (; added < marks.count; ++added) {
+      if (std::size_t* const count = FindMark(marks.hashes[added]); count != nullptr) {
+        ++*count;
+      } else {
+        marks_.Insert(marks.hashes[added], 1);
+      }
+    }
+    AddToStem(file, parts);
+  } catch (...) {
+    while (added > 0) {
+      RemoveMark(marks.hashes[--added]);
+    }
+    throw;
+  }
+  if (!file.key.empty()) {
+    ++first_units_[file.key.Lower().front() % first_units_.size()];
+  }
+  key_lengths_.Add(file.key.Lower().size());
+  stem_lengths_.Add(parts.stem_length());
+  extension_lengths_.Add(file.key.Lower().size() - parts.stem_end);
+}
+
+void FileTable::Unlink(TrackedFile& file, const PathParts& parts, const TextHash& hash) noexcept {
+  const Marks marks(file, parts, hash);
+  for (std::size_t mark = 0; mark < marks.count; ++mark) {
+    RemoveMark(marks.hashes[mark]);
+  }
+  RemoveFromStem(file, parts);
+  if (!file.key.empty()) {
+    --first_units_[file.key.Lower().front() % first_units_.size()];
+  }
+  key_lengths_.Remove(file.key.Lower().size());
+  stem_lengths_.Remove(parts.stem_length());
+  extension_lengths_.Remove(file.key.Lower().size() - parts.stem_end);
+}
+
+void FileTable::RemoveMark(std::uint64_t hash) noexcept {
+  if (--*FindMark(hash) == 0) {
+    marks_.Erase(hash, [](std::size_t) { return true; });
+  }
+}
+
+StemFiles* FileTable::FindStemOf(const TrackedFile& file, const PathParts& parts) noexcept {
+  const std::u16string_view stem = file.key.Lower().substr(0, parts.stem_end);
+  return stems_.Find(parts.stem, [stem](StemFiles files) { return FolderAndStem(files.file()->key.Lower()) == stem; });
+}
+
+// Throws std::bad_alloc with nothing changed.
+void FileTable::AddToStem(TrackedFile& file, const PathParts& parts) {
+  StemFiles* const found = FindStemOf(file, parts);
+  if (found == nullptr) {
+    stems_.Insert(parts.stem, StemFiles(&file));
+    return;
+  }
+  const auto name_length = [&parts](const TrackedFile& member) { return member.key.Lower().size() - parts.name_begin; };
+  if (StemGroup* const group = found->group(); group != nullptr) {
+    const auto length = group->name_lengths.try_emplace(name_length(file), 0).first;
+    try {
+      group->files.insert(&file);
+    } catch (...) {
+      if (length->second == 0) {
+        group->name_lengths.erase(length);
+      }
+      throw;
+    }
+    ++length->second;
+    return;
+  }
+  auto group = std::make_unique<StemGroup>();
+  for (TrackedFile* const member : {found->file(), &file}) {
+    group->files.insert(member);
+    ++group->name_lengths[name_length(*member)];
+  }
+  *found = StemFiles(group.release());
+}
+
+void FileTable::RemoveFromStem(TrackedFile& file, const PathParts& parts) noexcept {
+  StemFiles* const found = FindStemOf(file, parts);
+  StemGroup* const group = found->group();
+  if (group == nullptr) {
+    stems_.Erase(parts.stem, [&file](StemFiles files) { return files.file() == &file; });
+    return;
+  }
+  group->files.erase(&file);
+  const auto length = group->name_lengths.find(file.key.Lower().size() - parts.name_begin);
+  if (--length->second == 0) {
+    group->name_lengths.erase(length);
+  }
+  if (group->files.size() == 1) {
+    *found = StemFiles(*group->files.begin());
+    delete group;
+  }
+}
+
+}  // namespace zt
