@@ -44,22 +44,16 @@ struct EventKind {
 inline LOG_ITEM MakeOpen(std::size_t file) { return MakeRecord(kPid, BehaviorCreate, Workload::FileName(file), 4096); }
 inline LOG_ITEM MakeRead(std::size_t file) { return MakeRecord(kPid, BehaviorRead, Workload::FileName(file), 4096); }
 inline LOG_ITEM MakeWrite(std::size_t file) { return MakeRecord(kPid, BehaviorWrite, Workload::FileName(file) + L"|4096", 0); }
-/// A path that stands next to the file's in the order of names: what replaces the name's last digit and its extension.
-inline std::wstring NeighborOf(std::size_t file, std::wstring_view end) {
-  std::wstring path = Workload::FileName(file);
-  path.erase(path.rfind(L'.') - 1);
-  return path.append(end);
-}
+/// A path as the folder's, of a file that no folder of a benchmark has.
+inline std::wstring StrangerOf(std::size_t file) { return Workload::FileName(10000000 + file); }
 /// A write at the start of a file that the process does not track and that copies none: the search finds nothing.
-inline LOG_ITEM MakeUnknownWrite(std::size_t file) {
-  return MakeRecord(kPid, BehaviorWrite, NeighborOf(file, L"x.xlsx") + L"|4096", 0);
-}
+inline LOG_ITEM MakeUnknownWrite(std::size_t file) { return MakeRecord(kPid, BehaviorWrite, StrangerOf(file) + L"|4096", 0); }
 /// A write at the start of an encrypted copy: the search finds the original.
 inline LOG_ITEM MakeCopyWrite(std::size_t file) {
   return MakeRecord(kPid, BehaviorWrite, Workload::FileName(file) + L".locked|4096", 0);
 }
 inline LOG_ITEM MakeOpenOfNewPath(std::size_t file) {
-  return MakeRecord(kPid, BehaviorCreate, NeighborOf(file, L"-" + std::to_wstring(file % 10) + L".docx"), 4096);
+  return MakeRecord(kPid, BehaviorCreate, StrangerOf(10000000 + file), 4096);
 }
 inline LOG_ITEM MakeDelete(std::size_t file) { return MakeRecord(kPid, BehaviorDelete, Workload::FileName(file), 0); }
 inline LOG_ITEM MakeRename(std::size_t file) {
@@ -68,7 +62,7 @@ inline LOG_ITEM MakeRename(std::size_t file) {
 }
 inline LOG_ITEM MakeMove(std::size_t file) {
   const std::wstring path = Workload::FileName(file);
-  return MakeRecord(kPid, BehaviorRename, path + L"|C:\\Users\\ann\\Archive" + path.substr(path.rfind(L'\\')), 0);
+  return MakeRecord(kPid, BehaviorRename, path + L"|C:\\Users\\Ann\\Archive" + path.substr(path.rfind(L'\\')), 0);
 }
 
 /// The engine, with the model's methods.

@@ -10,7 +10,6 @@
 #include <new>
 
 #include "bench/folder.h"
-#include "engine/context.h"
 
 namespace {
 
@@ -72,10 +71,9 @@ void operator delete(void* memory, std::size_t /*size*/, std::align_val_t alignm
 namespace zt::bench {
 namespace {
 
-/// 60 units: "C:\Users\ann\Documents\Projects\2026\budget1000042-plan.docx".
-std::wstring PathOf(std::size_t number) {
-  const std::wstring digits = std::to_wstring(1000000 + number);
-  return L"C:\\Users\\ann\\Documents\\Projects\\2026\\budget" + digits + L"-plan.docx";
+/// 60 units: "C:\Users\Ann\Documents\Projects\2026\Budget1000042-Plan.docx".
+std::wstring LongPathOf(std::size_t number) {
+  return L"C:\\Users\\Ann\\Documents\\Projects\\2026\\Budget" + std::to_wstring(1000000 + number) + L"-Plan.docx";
 }
 
 /// Prints what one of kCount things costs that were made since `asked_before` and `given_before`.
@@ -91,20 +89,10 @@ void MeasureFiles() {
   const std::size_t asked_before = asked_for;
   const std::size_t given_before = given;
   for (std::size_t file = 0; file < kCount; ++file) {
-    LOG_ITEM open = MakeRecord(kPid, BehaviorCreate, PathOf(file), 4096);
+    LOG_ITEM open = MakeRecord(kPid, BehaviorCreate, LongPathOf(file), 4096);
     engine.InsertLog(&open);
   }
   PrintCost("file", asked_before, given_before);
-
-  auto& core = *std::static_pointer_cast<_ZtEngineCore>(engine.handle());
-  std::size_t units = 0;
-  for (const auto& [key, file] : core.Tree.Find({kPid, create.Time})->Item.files) {
-    units += key.capacity() + 1;
-  }
-  const double per_file = static_cast<double>(units) / kCount;
-  const double asked_per_file = static_cast<double>(asked_for - asked_before) / kCount;
-  std::printf("file_char_bytes %.1f\n", per_file * sizeof(wchar_t));
-  std::printf("file_asked_16bit %.1f\n", asked_per_file - per_file * (sizeof(wchar_t) - 2));
 }
 
 void MeasureProcesses() {

@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "bench/file_names.h"
 #include "zteng/zteng.h"
 
 namespace zt::bench {
@@ -24,12 +25,8 @@ class Workload {
     }
   }
 
-  /// "C:\Users\ann\Documents\report0000042.docx": some 40 characters, as users' files have.
-  static std::wstring FileName(std::size_t number) {
-    const std::wstring digits = std::to_wstring(number);
-    return L"C:\\Users\\ann\\Documents\\report" + std::wstring(digits.size() < 7 ? 7 - digits.size() : 0, L'0') + digits +
-           L".docx";
-  }
+  /// "C:\Users\Ann\Documents\Budget Meeting 42.docx": some 45 characters, as users' files have.
+  static std::wstring FileName(std::size_t number) { return PathOf(number); }
 
   /// Feeds one event of the process; returns the engine's answer.
   ZtLong Feed(std::uint32_t behavior, std::wstring_view target, std::uint64_t target_pid) {
