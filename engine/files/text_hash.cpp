@@ -10,9 +10,9 @@ std::uint64_t RandomSeed() {
     std::random_device random;
     return static_cast<std::uint64_t>(random()) << 32 | random();
   } catch (...) {
-    // Without a source of random numbers, the place where the system put this process's memory has to do.
-    const int local = 0;
-    return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&local));
+    // Without a source of random numbers, the place where the system put this library has to do.
+    static const char kPlace = 0;
+    return static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&kPlace));
   }
 }
 

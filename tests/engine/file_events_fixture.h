@@ -28,7 +28,7 @@ class FileEventsTest : public EngineTest {
   /// A record in the given state, as though earlier events had led there.
   FileItem& Track(const std::wstring& path, FileState state) {
     FileItem& file = EnterFile(Process(), path);
-    file.State = state;
+    file.State = static_cast<std::uint8_t>(state);
     file.Path = MakePath(path);
     return file;
   }
