@@ -26,6 +26,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   target_compile_options(zt_compile_options INTERFACE -Wno-restrict)
 endif()
 
+# An inline function that several objects hold is linked from one of them. GCC for Windows relies all the same on the registers
+# that its own copy leaves alone, which the linked one may use.
+if(WIN32 AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(zt_compile_options INTERFACE -fno-ipa-ra)
+endif()
+
 if(ZT_SANITIZE)
   target_compile_options(zt_compile_options INTERFACE
     -fsanitize=${ZT_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

@@ -18,7 +18,7 @@ inline std::u16string ToUnits(std::wstring_view wide) { return {wide.begin(), wi
 
 /// Whether both are the same units; quicker than ==, which compares unit by unit.
 inline bool SameUnits(std::u16string_view a, std::u16string_view b) {
-  return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0;
+  return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
 }
 
 inline bool SameText(std::u16string_view units, std::wstring_view wide) {
