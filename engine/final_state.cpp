@@ -1,7 +1,6 @@
 #include "engine/final_state.h"
 
 #include <iterator>
-#include <set>
 #include <string>
 
 #include "engine/text.h"
@@ -9,10 +8,6 @@
 
 namespace zt {
 namespace {
-
-/// Paths that are not reported again, as they were shown. Ordered, as a watched program chooses the paths: it could choose them
-/// so that the hashes of a hash set meet.
-using PathSet = std::set<std::wstring>;
 
 /// The images of the suspicious members of the family of `key`: a malicious program is never handed back for restoring.
 PathSet SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key, FinalStateVisitor& visitor) {

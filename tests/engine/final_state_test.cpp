@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/final_state.h"
 #include "engine/tracing.h"
 #include "tests/support/engine_test.h"
 
@@ -370,6 +371,14 @@ TEST_F(FinalStateTest, EmptyPathIsTracedAsNothing) {
   EXPECT_THAT(TracesOfQuery(kTraceDebug), ElementsAre(TraceLine{1283, "debug", "ZtGetFinalStateFileByPid:: Pid:10 Time:100"},
                                                       TraceLine{1313, "debug", " will get restored"}));
 }
+
+// The paths are chosen by what is watched: a set that finds them by a hash that everybody knows would be as slow as they like.
+template <typename Set>
+concept IsOrdered = requires(const Set& set) {
+  set.key_comp();
+};
+
+TEST(FinalStatePathsTest, NoChoiceOfPathsMakesThemSlow) { static_assert(IsOrdered<PathSet>); }
 
 }  // namespace
 }  // namespace zt::testing

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <ctime>
 #include <limits>
 #include <string>
 #include <utility>
@@ -380,6 +381,27 @@ TEST_F(ProcessTreeTest, AFamilyOfAHundredThousandGenerationsIsWalked) {
   EXPECT_EQ(family.back(), kGenerations);
   EXPECT_THAT(Climbed(kGenerations), SizeIs(kGenerations));
   EXPECT_EQ(tree_.FamilyRoot(Key(kGenerations), kNoLimit), Key(1));
+}
+
+// The processor time of a search for the root at the end of a chain, in clock ticks for many searches.
+std::clock_t TimeOfRoots(const ProcessTree& tree, std::uint64_t from) {
+  const std::clock_t start = std::clock();
+  for (int search = 0; search < 2000; ++search) {
+    EXPECT_EQ(tree.FamilyRoot(Key(from), 4), Key(from - 4));
+  }
+  return std::clock() - start;
+}
+
+// At most four levels are looked at. A walk over the whole ancestry takes thousands of times as long.
+TEST_F(ProcessTreeTest, TheRootIsFoundInADeepTreeAsInAShallowOne) {
+  constexpr std::uint64_t kGenerations = 20000;
+  Insert(Key(kGenerations));
+  for (std::uint64_t number = kGenerations - 1; number > 0; --number) {
+    Insert(Key(number));
+    Insert(Key(number + 1), Key(number));
+  }
+  const std::clock_t shallow = TimeOfRoots(tree_, 5);
+  EXPECT_LT(TimeOfRoots(tree_, kGenerations), 100 * (shallow + CLOCKS_PER_SEC / 1000));
 }
 
 // Collection.
