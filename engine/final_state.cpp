@@ -36,7 +36,7 @@ void ReportFiles(const ProcessItem& process, PathSet& excluded, FinalStateVisito
   }
 }
 
-/// Copies what it is told to where the host wants it, and traces it.
+/// Copies the report into the outputs of the host, and writes the trace lines of the export.
 class CopyForHost : public FinalStateVisitor {
  public:
   CopyForHost(std::uint32_t engine_id, std::map<std::wstring, ZT_FILE_ITEM_PUBLIC>& files, std::vector<std::wstring>& paths)

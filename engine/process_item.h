@@ -26,7 +26,7 @@ struct ProcessItem {
   std::u16string NameDiff;     ///< The name difference that the similar-file search learned last.
   FileTable files;
   PathList QuarantineList;    ///< Files that the process made, changed or moved.
-  PathList CreatedFilesList;  ///< Files that the process made; opening them again is no open of a user's file.
+  PathList CreatedFilesList;  ///< Files that the process made; opening one again does not start tracking it.
   std::u16string PrevFolder;  ///< Folder of the last rename into another folder.
   std::wstring ImagePath;     ///< Without a leading "\??\", in the creation event's letter case.
 };

@@ -257,7 +257,7 @@ bool SimilarCandidates::IsLarge(StemFiles files) const {
   return group != nullptr && !all_ && group->files.size() > small_group_;
 }
 
-/// Adds a file, once; null is no file.
+/// Adds a file unless this search has added it already. Ignores null.
 void SimilarCandidates::AddFile(TrackedFile* file) {
   if (file != nullptr && file->last_search != search_) {
     file->last_search = search_;

@@ -23,7 +23,7 @@ class StepOutcome {
   void BeforeCallback(FileItem& file, std::uint8_t state) noexcept {
     steps_[step_count_++] = {&file, state, file.Written, file.Similar};
   }
-  /// The callback ran and returned `penalty`. A step without one stands, whatever happens later.
+  /// The callback ran and returned `penalty`. A step without a penalty is never taken back.
   void AfterCallback(std::uint64_t penalty) noexcept {
     stepped_ = steps_[step_count_ - 1].file;
     if (penalty <= 1) {

@@ -57,8 +57,8 @@ class StemFiles {
 /// has a path, and which files of a folder have a stem. No call takes longer for what is tracked than for what it is asked
 /// about, but for the few that go through all files and say so.
 ///
-/// Invariant: every file stands in `paths_`; in `stems_`, alone or in the group of its stem; and is counted in `marks_` and in
-/// the lengths. A table that an exception left is as it was before the call.
+/// Invariant: every file is in `paths_`; it is in `stems_`, alone or in the group of its stem; and it is counted in `marks_`
+/// and in the lengths. A table that an exception left is as it was before the call.
 class FileTable {
  public:
   FileTable() = default;

@@ -170,7 +170,7 @@ class HashTable {
     ++segment.used;
   }
 
-  // Values after the hole that could stand in it move up, so that every search still ends at the first empty slot.
+  // Moves values after the hole into it where their searches would pass it, so that a search can end at the first empty slot.
   void EraseSlot(Segment& segment, std::size_t hole) noexcept {
     Slot* const slots = segment.slots();
     for (std::size_t at = Next(hole); slots[at].tag != kEmpty; at = Next(at)) {
@@ -242,8 +242,8 @@ class HashTable {
     }
   }
 
-  /// Makes one segment of the one at `index` and its other half where both are nearly empty, again and again; with a half that
-  /// comes later only where told to. Returns the first index after the segment that is there then.
+  /// Makes one segment of the one at `index` and its other half where both are nearly empty, again and again; with a later
+  /// half only if `with_later`. Returns the index after the merged segment.
   std::size_t MergeAt(std::size_t index, bool with_later) noexcept {
     for (;;) {
       Segment& segment = *directory_[index];
@@ -281,8 +281,7 @@ class HashTable {
     }
   }
 
-  std::vector<Segment*>
-      directory_;  ///< By the first `depth_` bits of a hash; a segment of fewer bits stands in several places.
+  std::vector<Segment*> directory_;  ///< By the first `depth_` bits of a hash; a segment of fewer bits has several elements.
   unsigned depth_ = 0;
   std::size_t capacity_ = 0;  ///< Of every segment.
   std::size_t size_ = 0;

@@ -16,7 +16,7 @@ namespace zt {
 
 /// Where the parts of a path lie, and the hashes of its beginnings that tables know it by.
 struct PathParts {
-  /// Stems are told apart by so many first units before their lengths are tried.
+  /// A search checks that some stem begins with these units before it tries the lengths of stems.
   static constexpr std::size_t kStemStart = 3;
 
   explicit PathParts(std::u16string_view path, const TextHash& hash);
