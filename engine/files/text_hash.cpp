@@ -41,23 +41,18 @@ const TextHash& TextHash::OfProcess() {
   return kHash;
 }
 
-// Four units at a time: their products do not wait for each other.
+// The products do not wait for each other, and their sum is reduced once: it has at most 123 bits.
 std::uint64_t TextHash::Append(std::uint64_t hash, std::u16string_view text) const {
-  for (; text.size() >= 4; text.remove_prefix(4)) {
-    WideSum sum(0);
-    sum.AddProduct(hash + text[0] + 1, powers_[4]);
-    sum.AddProduct(std::uint64_t{text[1]} + 1, powers_[3]);
-    sum.AddProduct(std::uint64_t{text[2]} + 1, powers_[2]);
-    sum.AddProduct(std::uint64_t{text[3]} + 1, powers_[1]);
-    hash = Reduce(sum);
-  }
+  WideSum sum(0);
+  sum.AddProduct(hash, powers_[text.size()]);
+  const std::uint64_t* power = powers_.data() + text.size();
   for (const char16_t unit : text) {
-    hash = AppendUnit(hash, unit);
+    sum.AddProduct(std::uint64_t{unit} + 1, *power--);
   }
-  return hash;
+  return Reduce(sum);
 }
 
-// As Append; the three between follow from each fourth one.
+// Every fourth hash does not wait for the three before it.
 void TextHash::HashBeginnings(std::u16string_view text, std::span<std::uint64_t> hashes) const {
   std::uint64_t hash = 0;
   hashes[0] = hash;
