@@ -12,6 +12,7 @@
 
 #include "engine/files/path_name.h"
 #include "engine/step_outcome.h"
+#include "engine/text.h"
 #include "zteng/zteng.h"
 
 namespace zt {
@@ -72,11 +73,22 @@ struct Insertion {
     return *paths_;
   }
 
+  /// The path that a penalty is charged for: that which the file that stepped last was filled with, for a renamed copy its
+  /// first one. REQUIRES: a file stepped.
+  PathName& ChargedPath() {
+    const PathText& text = outcome.stepped()->Path;
+    if (SameUnits(text.Lower(), Paths().path->lower())) {
+      return *Paths().path;
+    }
+    return charged_path_.emplace(text);
+  }
+
   const Event& event;
   StepOutcome outcome;
 
  private:
   std::optional<EventPaths> paths_;
+  std::optional<PathName> charged_path_;
 };
 
 }  // namespace zt

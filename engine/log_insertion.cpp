@@ -111,8 +111,7 @@ std::uint32_t InsertEvent(_ZtEngineCore& engine, Insertion& insertion) {
   if (penalty <= 1) {
     return 0;
   }
-  // The file is charged under the name that it was filled with: a renamed copy under its first one.
-  PathName path(insertion.outcome.stepped()->Path);
+  PathName& path = insertion.ChargedPath();
   ZT_TRACE_DEBUG("ProcKey: (%d, %lld) Path: %ws Penalty: %d", Trace32(key.Pid), Trace64(key.Time), Widen(path.lower()).c_str(),
                  penalty);
   ProcessTree::Entry* process = engine.Tree.Find(key);

@@ -9,8 +9,6 @@
 namespace zt {
 namespace {
 
-bool Contains(std::u16string_view text, std::u16string_view part) { return text.find(part) != std::u16string_view::npos; }
-
 /// Whether the process showed this difference last; if not, learns it.
 bool MatchesOrLearn(std::u16string& name_diff, std::u16string_view difference) {
   if (name_diff == difference) {
@@ -56,23 +54,41 @@ bool MatchGrownStem(std::u16string& name_diff, const TargetName& target, std::u1
 
 }  // namespace
 
-bool MatchName(std::u16string& name_diff, const TargetName& target, std::u16string_view item_name) {
-  const std::size_t position = target.name.find(item_name);
+// Text that repeats itself makes a comparison at each place long, so a hash is asked first where there is one.
+std::size_t TargetName::Find(std::u16string_view part) const {
+  constexpr std::size_t kShort = 8;
+  if (hash_ == nullptr || part.size() < kShort) {
+    return name.find(part);
+  }
+  const std::uint64_t part_hash = (*hash_)(part);
+  for (std::size_t begin = 0; begin + part.size() <= name.size(); ++begin) {
+    if (hash_->OfPart(beginnings_, begin, begin + part.size()) == part_hash &&
+        SameUnits(name.substr(begin, part.size()), part)) {
+      return begin;
+    }
+  }
+  return std::u16string_view::npos;
+}
+
+bool MatchName(std::u16string& name_diff, const TargetName& target, std::u16string_view item_name, std::size_t position) {
   if (position != std::u16string_view::npos) {
     return MatchContainedName(name_diff, target, item_name, position);
   }
   const std::u16string_view item_stem = Stem(item_name);
-  if (target.dotted.empty() || !Contains(target.name, item_stem)) {
+  const std::size_t stem_position = target.dotted.empty() ? std::u16string_view::npos : target.Find(item_stem);
+  if (stem_position == std::u16string_view::npos) {
     return false;
   }
   const std::u16string_view item_dotted = DottedExtension(item_name);
   ZT_TRACE_DEBUG_AT(242, "Extension is %ws, extension2 is %ws, itemext is %ws", Widen(target.dotted).c_str(),
                     Widen(target.after_first_dot).c_str(), Widen(item_dotted).c_str());
   // The extension took the dot's place: the item's name is as long as the target's stem.
-  if (Contains(target.name, LastExtension(item_name)) && UpToZero(item_name).size() == UpToZero(target.stem).size()) {
+  if (UpToZero(item_name).size() == UpToZero(target.stem).size() &&
+      target.Find(LastExtension(item_name)) != std::u16string_view::npos) {
     return MatchesOrLearn(name_diff, target.dotted);
   }
-  if (target.dotted == target.after_first_dot || target.dotted != item_dotted || !Contains(target.stem, item_stem)) {
+  const bool is_in_stem = stem_position + item_stem.size() <= target.stem.size();
+  if (target.dotted == target.after_first_dot || target.dotted != item_dotted || !is_in_stem) {
     return MatchNewExtension(name_diff, target, item_stem);
   }
   return MatchGrownStem(name_diff, target, item_name, item_stem);

@@ -25,8 +25,15 @@ std::u16string_view AfterFirstDot(std::u16string_view name) {
 
 std::u16string_view DottedExtension(std::u16string_view name) {
   const std::u16string_view text = UpToZero(name);
-  const std::size_t stop = text.find_last_of(u"\\ .");
-  return stop == std::u16string_view::npos || text[stop] != u'.' ? std::u16string_view() : text.substr(stop);
+  for (std::size_t place = text.size(); place-- > 0;) {
+    if (text[place] == u'.') {
+      return text.substr(place);
+    }
+    if (text[place] == u' ' || text[place] == u'\\') {
+      break;
+    }
+  }
+  return {};
 }
 
 std::u16string_view FileNamePart(std::u16string_view path) {

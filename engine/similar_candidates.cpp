@@ -1,6 +1,7 @@
 #include "engine/similar_candidates.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "engine/paths.h"
 #include "engine/text.h"
@@ -9,276 +10,392 @@
 namespace zt {
 namespace {
 
-/// Whether `text` is the parts, one after the other.
-bool IsMadeOf(std::u16string_view text, std::initializer_list<std::u16string_view> parts) {
-  for (const std::u16string_view part : parts) {
-    if (!SameUnits(text.substr(0, part.size()), part)) {
-      return false;
-    }
-    text.remove_prefix(part.size());
-  }
-  return text.empty();
-}
-
-/// Whether the units before a place of a text are the end of a key or stem. Each place is asked for once.
-class MarkedEnds {
+/// At which places of a text keys or stems end. The table is asked once for each place.
+class KnownEnds {
  public:
-  /// `beginnings` are the hashes of the beginnings of the text, which has `length` units.
-  MarkedEnds(const std::uint64_t* beginnings, std::size_t length, const TextHash& hash, FileTable& files)
-      : beginnings_(beginnings), hash_(hash), files_(files), known_(length + 1, kUnknown) {}
-
-  /// REQUIRES: there are FileTable::kEnd units before `end`.
-  bool Has(std::size_t end) {
-    if (known_[end] == kUnknown) {
-      known_[end] = files_.HasMark(hash_.OfPart(beginnings_, end - FileTable::kEnd, end)) ? kYes : kNo;
+  /// Which of the places `asked`, bits of the word of this number, are ends; is_end(place) says it of one.
+  template <typename IsEnd>
+  std::uint64_t Among(std::uint64_t asked, std::size_t word, const IsEnd& is_end) {
+    for (std::uint64_t left = asked & ~known_[word]; left != 0; left &= left - 1) {
+      if (is_end(PlaceSet::kWordBits * word + static_cast<std::size_t>(std::countr_zero(left)))) {
+        ends_[word] |= left & (~left + 1);
+      }
     }
-    return known_[end] == kYes;
+    known_[word] |= asked;
+    return asked & ends_[word];
   }
 
  private:
-  static constexpr char kUnknown = 0;
-  static constexpr char kYes = 1;
-  static constexpr char kNo = 2;
+  using Words = std::array<std::uint64_t, TextHash::kMaxLength / PlaceSet::kWordBits + 1>;
 
-  const std::uint64_t* beginnings_;
-  const TextHash& hash_;
-  FileTable& files_;
-  std::vector<char> known_;
+  Words known_ = {};
+  Words ends_ = {};
 };
 
 /// Looks for keys at one place of a target after the other.
 class KeysInTarget {
  public:
   KeysInTarget(PathName& target, FileTable& files)
-      : files_(files),
-        hash_(target.hash()),
+      : hash_(target.hash()),
+        files_(files),
         text_(target.lower()),
         beginnings_(target.Beginnings()),
-        short_(files.key_lengths().Between(0, FileTable::kKeyStart - 1)),
-        long_(files.key_lengths().Between(FileTable::kKeyStart, text_.size())),
-        ends_(beginnings_, text_.size(), hash_, files) {}
+        before_end_(hash_(FileTable::kBeforeEnd)),
+        shortest_(files.key_lengths().Next(0)),
+        shortest_marked_(files.key_lengths().Next(FileTable::kKeyMark)) {}
 
-  /// The smallest key at `begin`: the shortest one, as a text comes before those that it begins.
-  TrackedFile* ShortestAt(std::size_t begin) {
-    TrackedFile* found = FirstOf(short_, begin);
-    if (found == nullptr && !long_.empty() && begin + long_.front() <= text_.size() && files_.MayBegin(text_[begin]) &&
-        files_.HasMark(hash_.OfPart(beginnings_, begin, begin + FileTable::kKeyStart))) {
-      found = FirstOf(long_, begin);
+  /// The smallest key that occurs, or null.
+  TrackedFile* Smallest() {
+    TrackedFile* smallest = nullptr;
+    for (std::size_t begin = 0; begin <= text_.size(); ++begin) {
+      if (shortest_ >= FileTable::kKeyMark && (begin == text_.size() || !files_.MayBeginKey(text_[begin]))) {
+        continue;  // What holds nearly everywhere.
+      }
+      TrackedFile* const found = ShortestAt(begin);
+      if (found != nullptr && (smallest == nullptr || KeyLess()(found, smallest))) {
+        smallest = found;
+      }
     }
-    return found;
+    return smallest;
   }
 
  private:
-  TrackedFile* FirstOf(const std::vector<std::size_t>& lengths, std::size_t begin) {
-    for (const std::size_t length : lengths) {
-      if (begin + length > text_.size()) {
-        break;
-      }
-      if (length >= FileTable::kKeyStart && !ends_.Has(begin + length)) {
-        continue;
-      }
-      const std::u16string_view part = text_.substr(begin, length);
-      TrackedFile* const found = files_.FindPath(hash_.OfPart(beginnings_, begin, begin + length),
-                                                 [part](std::u16string_view key) { return SameUnits(key, part); });
-      if (found != nullptr) {
+  /// The smallest key at `begin`: the shortest one, as a text comes before those that it begins.
+  TrackedFile* ShortestAt(std::size_t begin) {
+    const std::size_t left = text_.size() - begin;
+    for (std::size_t length = shortest_; length < FileTable::kKeyMark && length <= left;
+         length = files_.key_lengths().Next(length + 1)) {
+      if (TrackedFile* const found = Find(begin, begin + length); found != nullptr) {
         return found;
+      }
+    }
+    if (shortest_marked_ > left || !files_.MayBeginKey(text_[begin]) ||
+        !files_.HasMark(hash_.OfPart(beginnings_, begin, begin + FileTable::kKeyMark))) {
+      return nullptr;
+    }
+    const auto is_end = [this](std::size_t end) {
+      return files_.HasMark(hash_.OfPart(beginnings_, end - FileTable::kKeyMark, end, before_end_));
+    };
+    for (std::size_t word = (begin + shortest_marked_) / PlaceSet::kWordBits; word <= text_.size() / PlaceSet::kWordBits;
+         ++word) {
+      const std::uint64_t long_enough = ~PlaceSet::WordBelow(begin + shortest_marked_, word);
+      const std::uint64_t fitting = PlaceSet::WordBelow(text_.size() + 1, word);
+      const std::uint64_t asked = files_.key_lengths().Word(word, begin) & long_enough & fitting;
+      for (std::uint64_t ends = ends_.Among(asked, word, is_end); ends != 0; ends &= ends - 1) {
+        const std::size_t end = PlaceSet::kWordBits * word + static_cast<std::size_t>(std::countr_zero(ends));
+        if (TrackedFile* const found = Find(begin, end); found != nullptr) {
+          return found;
+        }
       }
     }
     return nullptr;
   }
 
-  FileTable& files_;
+  TrackedFile* Find(std::size_t begin, std::size_t end) {
+    const std::u16string_view part = text_.substr(begin, end - begin);
+    return files_.FindPath(hash_.OfPart(beginnings_, begin, end),
+                           [part](std::u16string_view key) { return SameUnits(key, part); });
+  }
+
   const TextHash& hash_;
-  std::u16string_view text_;
-  const std::uint64_t* beginnings_;
-  std::vector<std::size_t> short_;  ///< Lengths of keys.
-  std::vector<std::size_t> long_;
-  MarkedEnds ends_;
+  FileTable& files_;
+  const std::u16string_view text_;
+  const std::uint64_t* const beginnings_;
+  const std::uint64_t before_end_;
+  const std::size_t shortest_;         ///< Length of a key.
+  const std::size_t shortest_marked_;  ///< Length of a key that has marks.
+  KnownEnds ends_;
 };
 
 }  // namespace
 
-TrackedFile* SmallestKeyIn(PathName& target, FileTable& files) {
-  KeysInTarget keys(target, files);
-  TrackedFile* smallest = nullptr;
-  for (std::size_t begin = 0; begin <= target.lower().size(); ++begin) {
-    TrackedFile* const found = keys.ShortestAt(begin);
-    if (found != nullptr && (smallest == nullptr || KeyLess()(found, smallest))) {
-      smallest = found;
-    }
-  }
-  return smallest;
-}
+TrackedFile* SmallestKeyIn(PathName& target, FileTable& files) { return KeysInTarget(target, files).Smallest(); }
 
-/// Puts the run with the smallest key in front of a heap.
+/// Puts the run with the smallest key in front of a heap. All keys have the same folder.
 struct SimilarCandidates::RunGreater {
-  bool operator()(const Run& a, const Run& b) const { return KeyLess()(b.file, a.file); }
+  bool operator()(const Run& a, const Run& b) const {
+    return a.start != b.start ? a.start > b.start : KeyLess()(b.first.file, a.first.file);
+  }
 };
 
 // A path without a folder is its own folder.
-SimilarCandidates::SimilarCandidates(PathName& target, FileTable& files, std::size_t small_group)
+SimilarCandidates::SimilarCandidates(PathName& target, FileTable& files)  // NOLINT(cppcoreguidelines-pro-type-member-init)
     : hash_(target.hash()),
       files_(files),
-      beginnings_(target.Beginnings()),
-      small_group_(small_group),
       search_(files.BeginSearch()),
       all_(IsTraced(kTraceDebug)),
-      folder_(Folder(target.lower())),
-      name_begin_(target.parts().name_begin),
-      name_(Name(target.lower())),
-      stem_(Stem(name_)),
-      dotted_(DottedExtension(name_)) {
-  folder_ += u'\\';
-  folder_hash_ = hash_(folder_);
+      folder_(target.folder()),
+      name_(target.name()),
+      stem_(target.stem()),
+      dotted_(DottedExtension(name_)),
+      beginnings_(target.Beginnings() + target.parts().name_begin),
+      folder_hash_(hash_.Append(target.Beginnings()[folder_.size()], u"\\")) {
+  FindDots();
+  FindLengths();
   FindStems();
   std::make_heap(runs_.begin(), runs_.end(), RunGreater());
 }
 
-TrackedFile* SimilarCandidates::Next() {
+SimilarCandidates::Candidate SimilarCandidates::Next() {
   if (runs_.empty()) {
-    return nullptr;
+    return {};
   }
   std::pop_heap(runs_.begin(), runs_.end(), RunGreater());
   Run& run = runs_.back();
-  TrackedFile* const file = run.file;
+  const Candidate next = run.first;
   if (run.next == run.end) {
     runs_.pop_back();
   } else {
-    run.file = *run.next++;
+    run.first.file = *run.next++;
+    run.start = StartOf(*run.first.file);
     std::push_heap(runs_.begin(), runs_.end(), RunGreater());
   }
-  return file;
+  return next;
+}
+
+void SimilarCandidates::FindDots() {
+  std::size_t dot = name_.size();
+  for (std::size_t place = name_.size() + 1; place-- > 0;) {
+    if (place < name_.size() && name_[place] == u'.') {
+      if (files_.extension_lengths().Next(1) <= dot - place) {
+        extension_places_.Add(place);
+      }
+      dot = place;
+    }
+    next_dot_[place] = static_cast<std::uint16_t>(dot);
+  }
+}
+
+/// The lengths of stems whose files can have names, or have stems, that are as long as the target's stem.
+void SimilarCandidates::FindLengths() {
+  const PlaceSet& extensions = files_.extension_lengths();
+  for (std::size_t extension = extensions.Next(1); extension <= stem_.size(); extension = extensions.Next(extension + 1)) {
+    matching_lengths_.Add(stem_.size() - extension);
+  }
+  matching_lengths_.Add(stem_.size());
+}
+
+/// Which of the places of this word can be the end of a stem from `begin` on whose files can matter.
+std::uint64_t SimilarCandidates::EndsThatMatter(std::size_t begin, std::size_t word) const {
+  if (all_) {
+    return ~std::uint64_t{0};
+  }
+  std::uint64_t ends = extension_places_.Word(word) | matching_lengths_.Word(word, begin);
+  if (files_.extension_lengths().Has(dotted_.size())) {
+    ends |= PlaceSet::WordBelow(stem_.size() + 1, word);
+  }
+  if (files_.extension_lengths().Has(0)) {
+    ends |= PlaceSet::WordBelow(next_dot_[begin] + std::size_t{1}, word);
+  }
+  return ends;
 }
 
 void SimilarCandidates::FindStems() {
-  const std::vector<std::size_t> short_stems = files_.stem_lengths().Between(0, PathParts::kStemStart - 1);
-  const std::vector<std::size_t> long_stems = files_.stem_lengths().Between(PathParts::kStemStart, name_.size());
-  MarkedEnds ends(beginnings_ + name_begin_, name_.size(), hash_, files_);
+  const PlaceSet& lengths = files_.stem_lengths();
+  const std::size_t shortest = lengths.Next(0);
+  const std::size_t shortest_marked = lengths.Next(FileTable::kStemMark);
+  const bool has_short = shortest < FileTable::kStemMark;
+  const std::uint64_t before_end = hash_(FileTable::kBeforeEnd);
+  KnownEnds known_ends;
+  const auto is_end = [this, before_end](std::size_t end) {
+    return files_.MayEndStem(&name_[end - 2]) &&
+           files_.HasMark(hash_.OfPart(beginnings_, end - FileTable::kStemMark, end, before_end));
+  };
   for (std::size_t begin = 0; begin <= name_.size(); ++begin) {
     const std::size_t left = name_.size() - begin;
-    for (const std::size_t length : short_stems) {
-      if (length <= left) {
-        FindStem(begin, length);
+    for (std::size_t length = shortest; has_short && length < FileTable::kStemMark && length <= left;
+         length = lengths.Next(length + 1)) {
+      const std::size_t end = begin + length;
+      if ((EndsThatMatter(begin, end / PlaceSet::kWordBits) >> end % PlaceSet::kWordBits & 1) != 0) {
+        AskForStem(begin, end);
       }
     }
-    if (long_stems.empty() || long_stems.front() > left || !files_.HasMark(HashOf(begin, PathParts::kStemStart))) {
+    if (shortest_marked > left || !files_.MayBeginStem(&name_[begin]) || !files_.HasMark(HashOf(begin, FileTable::kStemMark))) {
       continue;
     }
-    for (const std::size_t length : long_stems) {
-      if (length > left) {
-        break;
-      }
-      if (ends.Has(begin + length)) {
-        FindStem(begin, length);
+    for (std::size_t word = (begin + shortest_marked) / PlaceSet::kWordBits; word <= name_.size() / PlaceSet::kWordBits;
+         ++word) {
+      const std::uint64_t long_enough = ~PlaceSet::WordBelow(begin + shortest_marked, word);
+      const std::uint64_t fitting = PlaceSet::WordBelow(name_.size() + 1, word);
+      const std::uint64_t asked = lengths.Word(word, begin) & long_enough & fitting & EndsThatMatter(begin, word);
+      for (std::uint64_t ends = known_ends.Among(asked, word, is_end); ends != 0; ends &= ends - 1) {
+        AskForStem(begin, PlaceSet::kWordBits * word + static_cast<std::size_t>(std::countr_zero(ends)));
       }
     }
   }
+  AnswerQuestions();
+}
+
+void SimilarCandidates::AskForStem(std::size_t begin, std::size_t end) {
+  if (question_count_ == questions_.size()) {
+    AnswerQuestions();
+  }
+  const std::uint64_t hash = HashOf(begin, end - begin);
+  files_.FetchStemDirectory(hash);
+  questions_[question_count_++] = {hash, begin, end - begin};
+}
+
+void SimilarCandidates::AnswerQuestions() {
+  for (std::size_t question = 0; question < question_count_; ++question) {
+    files_.FetchStemSegment(questions_[question].hash);
+  }
+  for (std::size_t question = 0; question < question_count_; ++question) {
+    FindStem(questions_[question].hash, questions_[question].begin, questions_[question].length);
+  }
+  question_count_ = 0;
 }
 
 /// Takes in what there is to take of the files whose stem is this part of the target's name.
-void SimilarCandidates::FindStem(std::size_t begin, std::size_t length) {
+void SimilarCandidates::FindStem(std::uint64_t hash, std::size_t begin, std::size_t length) {
   const std::u16string_view stem = name_.substr(begin, length);
-  const StemFiles* const found = files_.FindStem(HashOf(begin, length), [&](StemFiles files) {
-    // A stem that this search has met was compared then. Of a large group, the files that are taken are compared.
-    return files.last_search() == search_ || (IsLarge(files) && length != stem_.size()) ||
-           IsMadeOf(FolderAndStem(files.file()->key.Lower()), {folder_, stem});
+  // Of a group, the files that are taken are compared.
+  const StemFiles* const found = files_.FindStem(hash, [&](StemFiles files) {
+    return files.group() != nullptr || IsMadeOf(FolderAndStem(files.file()->key.Lower()), {stem});
   });
   if (found == nullptr) {
     return;
   }
-  StemGroup* const group = found->group();
-  if (group == nullptr) {
-    AddFile(found->file());
-    return;
+  if (StemGroup* const group = found->group(); group != nullptr) {
+    MeetGroup(*group, begin, length);
+  } else {
+    MeetFile(*found->file(), begin, length);
   }
-  const bool is_new = group->last_search != search_;
-  group->last_search = search_;
-  if (!IsLarge(*found) || length == stem_.size()) {
-    if (is_new) {
-      AddGroup(group->files);
+}
+
+/// A stem that has one file.
+void SimilarCandidates::MeetFile(TrackedFile& file, std::size_t begin, std::size_t length) {
+  const std::u16string_view file_name = NameOf(file);
+  const std::u16string_view extension = file_name.substr(length);
+  if (SameUnits(name_.substr(begin + length, extension.size()), extension)) {
+    AddFile(&file, begin);
+  } else if (all_ || length == stem_.size() || file_name.size() == stem_.size() ||
+             (begin + length <= stem_.size() && SameUnits(extension, dotted_))) {
+    AddFile(&file, kUnknown);
+  }
+}
+
+/// A stem that has several files, of which each one that can matter is asked for.
+void SimilarCandidates::MeetGroup(StemGroup& group, std::size_t begin, std::size_t length) {
+  const std::u16string_view stem = name_.substr(begin, length);
+  const bool is_new = group.last_search != search_;
+  group.last_search = search_;
+  if (all_ || length == stem_.size()) {
+    if (is_new && IsMadeOf(FolderAndStem((*group.files.begin())->key.Lower()), {stem})) {
+      AddGroup(group.files);
     }
     return;
   }
-  if (is_new) {
-    MeetLargeGroup(*group, begin, length);
+  const PlaceSet& extensions = files_.extension_lengths();
+  const std::size_t longest = LongestExtensionAt(begin + length);
+  for (std::size_t extension = extensions.Next(1); extension <= longest; extension = extensions.Next(extension + 1)) {
+    AddFile(Find(HashOf(begin, length + extension), {name_.substr(begin, length + extension)}), begin);
   }
-  AddNamesAt(*group, begin, length);
-}
-
-/// Of a group with a stem of another length than the target's: the stem alone, the file with the target's extension, and files
-/// whose names are as long as the target's stem.
-void SimilarCandidates::MeetLargeGroup(const StemGroup& group, std::size_t begin, std::size_t length) {
-  const std::u16string_view stem = name_.substr(begin, length);
-  const std::uint64_t stem_hash = HashOf(begin, length);
-  if (stem.find(u'.') == std::u16string_view::npos && files_.extension_lengths().Has(0)) {
-    AddFile(Find(stem_hash, {stem}));
-  }
-  if (begin + length <= stem_.size() && files_.extension_lengths().Has(dotted_.size())) {
-    AddFile(Find(hash_.Append(stem_hash, dotted_), {stem, dotted_}));
-  }
-  if (length < stem_.size() && files_.extension_lengths().Has(stem_.size() - length) &&
-      group.name_lengths.count(stem_.size()) != 0) {
-    AddNamesAsLongAsStem(stem_hash, stem);
-  }
-}
-
-/// The files whose whole name is at this place of the target's, their stem being `length` long.
-void SimilarCandidates::AddNamesAt(const StemGroup& group, std::size_t begin, std::size_t length) {
-  const std::size_t dot = begin + length;
-  if (dot >= name_.size() || name_[dot] != u'.') {
+  if (!is_new) {
     return;
   }
-  const std::size_t end = std::min(name_.find(u'.', dot + 1), name_.size());
-  for (auto name = group.name_lengths.upper_bound(length); name != group.name_lengths.end() && begin + name->first <= end;
-       ++name) {
-    AddFile(Find(HashOf(begin, name->first), {name_.substr(begin, name->first)}));
+  const std::uint64_t stem_hash = HashOf(begin, length);
+  if (MayBeStemAlone(begin, length)) {
+    AddFile(Find(stem_hash, {stem}), begin);
+  }
+  if (MayGrow(begin, length)) {
+    AddFile(Find(hash_.Append(stem_hash, dotted_), {stem, dotted_}), kUnknown);
+  }
+  if (MayBeAsLongAsStem(length)) {
+    AddNamesAsLongAsStem(group.files, stem_hash, stem);
   }
 }
 
-/// The files of this stem whose names are as long as the target's stem and whose extension is somewhere in the target's name.
-void SimilarCandidates::AddNamesAsLongAsStem(std::uint64_t stem_hash, std::u16string_view stem) {
-  const std::size_t length = stem_.size() - stem.size() - 1;  // Of the extension.
+/// The files of this stem whose names are as long as the target's stem and whose extension is somewhere in the target's name:
+/// by their names, or by the places of the target, whichever are fewer.
+void SimilarCandidates::AddNamesAsLongAsStem(const Group& files, std::uint64_t stem_hash, std::u16string_view stem) {
+  if (files.size() <= name_.size()) {
+    for (TrackedFile* const file : files) {
+      if (IsMadeOf(FolderAndStem(file->key.Lower()), {stem}) && NameOf(*file).size() == stem_.size()) {
+        AddFile(file, kUnknown);
+      }
+    }
+    return;
+  }
+  const std::size_t length = stem_.size() - stem.size() - 1;  // Of the extension, which has no dot.
   const std::uint64_t before = hash_.Append(stem_hash, u".");
   for (std::size_t begin = 0; begin + length <= name_.size(); ++begin) {
-    const std::u16string_view extension = name_.substr(begin, length);
-    const std::size_t dot = extension.rfind(u'.');
-    if (dot != std::u16string_view::npos) {
-      begin += dot;  // An extension has no dot.
-      continue;
+    if (next_dot_[begin] >= begin + length) {
+      const std::uint64_t hash = hash_.OfPart(beginnings_, begin, begin + length, before);
+      AddFile(Find(hash, {stem, u".", name_.substr(begin, length)}), kUnknown);
     }
-    const std::uint64_t hash = hash_.OfPart(beginnings_, name_begin_ + begin, name_begin_ + begin + length, before);
-    AddFile(Find(hash, {stem, u".", extension}));
   }
-}
-
-/// Whether only some of the files are taken, each of which is asked for.
-bool SimilarCandidates::IsLarge(StemFiles files) const {
-  const StemGroup* const group = files.group();
-  return group != nullptr && !all_ && group->files.size() > small_group_;
 }
 
 /// Adds a file unless this search has added it already. Ignores null.
-void SimilarCandidates::AddFile(TrackedFile* file) {
+void SimilarCandidates::AddFile(TrackedFile* file, std::size_t position) {
   if (file != nullptr && file->last_search != search_) {
     file->last_search = search_;
-    runs_.push_back({file, {}, {}});
+    runs_.push_back({StartOf(*file), {file, position}, {}, {}});
   }
 }
 
 void SimilarCandidates::AddGroup(const Group& files) {
-  runs_.push_back({*files.begin(), std::next(files.begin()), files.end()});
+  runs_.push_back({StartOf(**files.begin()), {*files.begin(), kUnknown}, std::next(files.begin()), files.end()});
+}
+
+/// Whether a file can have this part as its whole name.
+bool SimilarCandidates::MayBeStemAlone(std::size_t begin, std::size_t length) const {
+  return files_.extension_lengths().Has(0) && next_dot_[begin] >= begin + length;
+}
+
+/// Whether the target's name can be that of a file of this stem with something put between stem and extension.
+bool SimilarCandidates::MayGrow(std::size_t begin, std::size_t length) const {
+  return begin + length <= stem_.size() && files_.extension_lengths().Has(dotted_.size());
+}
+
+/// Whether a file of a stem of this length can have a name that is as long as the target's stem.
+bool SimilarCandidates::MayBeAsLongAsStem(std::size_t length) const {
+  return length < stem_.size() && files_.extension_lengths().Has(stem_.size() - length);
+}
+
+/// The length of the longest extension, with its dot, that the target's name has after this place; 0 where no dot is there.
+std::size_t SimilarCandidates::LongestExtensionAt(std::size_t place) const {
+  return place < name_.size() && name_[place] == u'.' ? next_dot_[place + 1] - place : 0;
 }
 
 /// Of the folder and a part of the target's name.
 std::uint64_t SimilarCandidates::HashOf(std::size_t begin, std::size_t length) const {
-  return hash_.OfPart(beginnings_, name_begin_ + begin, name_begin_ + begin + length, folder_hash_);
+  return hash_.OfPart(beginnings_, begin, begin + length, folder_hash_);
 }
 
 /// The file of the folder whose name consists of these parts, or null.
 TrackedFile* SimilarCandidates::Find(std::uint64_t hash, std::initializer_list<std::u16string_view> name_parts) {
-  return files_.FindPath(hash, [&](std::u16string_view key) {
-    return SameUnits(key.substr(0, folder_.size()), folder_) && IsMadeOf(key.substr(folder_.size()), name_parts);
-  });
+  return files_.FindPath(hash, [&](std::u16string_view key) { return IsMadeOf(key, name_parts); });
+}
+
+/// The name of a file of the folder.
+std::u16string_view SimilarCandidates::NameOf(const TrackedFile& file) const {
+  return file.key.Lower().substr(folder_.size() + 1);
+}
+
+/// The first four units of the name of a file of the folder, in the order of units.
+std::uint64_t SimilarCandidates::StartOf(const TrackedFile& file) const {
+  const std::u16string_view file_name = NameOf(file);
+  std::uint64_t start = 0;
+  for (std::size_t unit = 0; unit < 4; ++unit) {
+    start = start << 16 | (unit < file_name.size() ? file_name[unit] : 0);
+  }
+  return start;
+}
+
+/// Whether `key` is the folder and these parts, one after the other.
+bool SimilarCandidates::IsMadeOf(std::u16string_view key, std::initializer_list<std::u16string_view> name_parts) const {
+  if (key.size() <= folder_.size() || key[folder_.size()] != u'\\' || !SameUnits(key.substr(0, folder_.size()), folder_)) {
+    return false;
+  }
+  key.remove_prefix(folder_.size() + 1);
+  for (const std::u16string_view part : name_parts) {
+    if (!SameUnits(key.substr(0, part.size()), part)) {
+      return false;
+    }
+    key.remove_prefix(part.size());
+  }
+  return key.empty();
 }
 
 }  // namespace zt

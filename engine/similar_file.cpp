@@ -10,22 +10,28 @@
 #include "engine/context.h"
 #include "engine/name_match.h"
 #include "engine/paths.h"
+#include "engine/similar_candidates.h"
 #include "engine/text.h"
 
 namespace zt {
 
 // Files whose stem does not occur in the target's name do nothing, but for the smallest key that occurs in the target: it ends
 // the search.
-TrackedFile* SearchSimilarFile(std::u16string& name_diff, FileTable& files, PathName& target, std::size_t small_group) {
+TrackedFile* SearchSimilarFile(std::u16string& name_diff, FileTable& files, PathName& target) {
+  if (files.empty()) {
+    return nullptr;
+  }
   TrackedFile* const contained = SmallestKeyIn(target, files);
-  const TargetName target_name(target.lower());
-  SimilarCandidates candidates(target, files, small_group);
-  while (TrackedFile* const file = candidates.Next()) {
-    if (contained != nullptr && !KeyLess()(file, contained)) {
+  const TargetName target_name(target);
+  SimilarCandidates candidates(target, files);
+  for (auto next = candidates.Next(); next.file != nullptr; next = candidates.Next()) {
+    if (contained != nullptr && !KeyLess()(next.file, contained)) {
       break;
     }
-    if (MatchName(name_diff, target_name, Name(file->key.Lower()))) {
-      return file;
+    const std::u16string_view name = Name(next.file->key.Lower());
+    const bool is_known = next.position != SimilarCandidates::kUnknown;
+    if (MatchName(name_diff, target_name, name, is_known ? next.position : target_name.Find(name))) {
+      return next.file;
     }
   }
   return contained;
@@ -77,7 +83,8 @@ ZtFileMap::iterator ZtSearchSimilarFile(std::shared_ptr<_ZtEngineCore>& engine, 
     if (target_units.find(key) != std::u16string::npos) {
       return entry;
     }
-    if (zt::Folder(key) == target_folder && zt::MatchName(name_diff.units(), target_name, zt::Name(key))) {
+    const std::u16string_view name = zt::Name(key);
+    if (zt::Folder(key) == target_folder && zt::MatchName(name_diff.units(), target_name, name, target_name.Find(name))) {
       return entry;
     }
   }

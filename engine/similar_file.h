@@ -3,24 +3,20 @@
 #ifndef ZT_ENGINE_SIMILAR_FILE_H
 #define ZT_ENGINE_SIMILAR_FILE_H
 
-#include <cstddef>
 #include <string>
 
 #include "engine/files/file_table.h"
 #include "engine/files/path_name.h"
-#include "engine/similar_candidates.h"
 
 namespace zt {
 
 /// The file of which `target` is a transformed copy, or null: what a walk over all files in the order of their keys would find.
 /// See ZtSearchSimilarFile.
 ///
-/// @param name_diff    the name difference that the process showed last; a new one is learned
-/// @param small_group  as of SimilarCandidates; changes no result
+/// @param name_diff  the name difference that the process showed last; a new one is learned
 ///
 /// Throws std::bad_alloc with `name_diff` as the last completed step left it.
-TrackedFile* SearchSimilarFile(std::u16string& name_diff, FileTable& files, PathName& target,
-                               std::size_t small_group = SimilarCandidates::kSmallGroup);
+TrackedFile* SearchSimilarFile(std::u16string& name_diff, FileTable& files, PathName& target);
 
 }  // namespace zt
 

@@ -21,6 +21,9 @@ inline bool SameUnits(std::u16string_view a, std::u16string_view b) {
   return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
 }
 
+/// Whether `a` comes before `b` in the order of units; quicker than <, which compares unit by unit.
+bool LessUnits(std::u16string_view a, std::u16string_view b);
+
 inline bool SameText(std::u16string_view units, std::wstring_view wide) {
   return std::equal(units.begin(), units.end(), wide.begin(), wide.end(),
                     [](char16_t unit, wchar_t other) { return static_cast<wchar_t>(unit) == other; });

@@ -92,19 +92,19 @@ Outcome OutcomeOf(typename Files::iterator found, const Files& files, const std:
   return found == files.end() ? Outcome{.learned = name_diff} : Outcome{found->first, name_diff};
 }
 
-/// Asks the table, where groups of one stem are small up to `small_group` files.
-Outcome SearchTable(Folder& folder, const std::wstring& target, std::size_t small_group) {
+/// Asks the table.
+Outcome SearchTable(Folder& folder, const std::wstring& target) {
   const std::u16string units = zt::ToUnits(target);
   zt::PathName path(units, units);
-  const zt::TrackedFile* const found = zt::SearchSimilarFile(folder.table_name_diff, folder.table, path, small_group);
+  const zt::TrackedFile* const found = zt::SearchSimilarFile(folder.table_name_diff, folder.table, path);
   const std::wstring learned = zt::Widen(folder.table_name_diff);
   return found == nullptr ? Outcome{.learned = learned} : Outcome{zt::Widen(found->key.Lower()), learned};
 }
 
 /// Searches by the table, by the export and by the model; ends the program where they differ.
-void Search(Folder& folder, const std::wstring& target, std::size_t small_group) {
+void Search(Folder& folder, const std::wstring& target) {
   ZT_PID_ITEM& process = folder.process;
-  const Outcome table = SearchTable(folder, target, small_group);
+  const Outcome table = SearchTable(folder, target);
   const Outcome exported =
       OutcomeOf(ZtSearchSimilarFile(folder.engine, process, process.files, target), process.files, process.NameDiff);
   const Outcome model = OutcomeOf(zt::model::SearchSimilarFile(folder.model_name_diff, folder.files, target, folder.trace),
@@ -141,7 +141,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     folder.files.try_emplace(key);
   }
   while (!texts.IsAtEnd()) {
-    Search(folder, texts.Next(), data[0] < 128 ? 1 : zt::SimilarCandidates::kSmallGroup);
+    Search(folder, texts.Next());
   }
   return 0;
 }

@@ -1,5 +1,6 @@
 #include "engine/files/file_table.h"
 
+#include <array>
 #include <memory>
 
 namespace zt {
@@ -8,15 +9,14 @@ namespace zt {
 struct FileTable::Marks {
   Marks(const TrackedFile& file, const PathParts& parts, const TextHash& hash) {
     const std::u16string_view key = file.key.Lower();
-    if (parts.stem_length() >= PathParts::kStemStart) {
-      static_assert(kEnd <= PathParts::kStemStart);
+    const std::uint64_t before_end = hash(kBeforeEnd);
+    if (parts.stem_length() >= kStemMark) {
       hashes[count++] = parts.stem_start;
-      hashes[count++] = hash(key.substr(parts.stem_end - kEnd, kEnd));
+      hashes[count++] = hash.Append(before_end, key.substr(parts.stem_end - kStemMark, kStemMark));
     }
-    if (key.size() >= kKeyStart) {
-      static_assert(kEnd <= kKeyStart);
-      hashes[count++] = hash(key.substr(0, kKeyStart));
-      hashes[count++] = hash(key.substr(key.size() - kEnd));
+    if (key.size() >= kKeyMark) {
+      hashes[count++] = hash(key.substr(0, kKeyMark));
+      hashes[count++] = hash.Append(before_end, key.substr(key.size() - kKeyMark));
     }
   }
 
@@ -29,7 +29,9 @@ FileTable& FileTable::operator=(FileTable&& other) noexcept {
   std::swap(paths_, taken.paths_);
   std::swap(stems_, taken.stems_);
   std::swap(marks_, taken.marks_);
-  std::swap(first_units_, taken.first_units_);
+  std::swap(key_starts_, taken.key_starts_);
+  std::swap(stem_starts_, taken.stem_starts_);
+  std::swap(stem_ends_, taken.stem_ends_);
   std::swap(key_lengths_, taken.key_lengths_);
   std::swap(stem_lengths_, taken.stem_lengths_);
   std::swap(extension_lengths_, taken.extension_lengths_);
@@ -67,7 +69,11 @@ void FileTable::Erase(TrackedFile& file, const TextHash& hash) noexcept {
 std::uint32_t FileTable::BeginSearch() noexcept {
   if (++last_search_ == 0) {  // After 2^32 searches the numbers begin again.
     ForEach([](TrackedFile& file) { file.last_search = 0; });
-    stems_.ForEach([](StemFiles files) { files.last_search() = 0; });
+    stems_.ForEach([](StemFiles files) {
+      if (StemGroup* const group = files.group(); group != nullptr) {
+        group->last_search = 0;
+      }
+    });
     last_search_ = 1;
   }
   return last_search_;
@@ -95,8 +101,13 @@ void FileTable::Link(TrackedFile& file, const PathParts& parts, const TextHash& 
     }
     throw;
   }
-  if (!file.key.empty()) {
-    ++first_units_[file.key.Lower().front() % first_units_.size()];
+  const std::u16string_view key = file.key.Lower();
+  if (!key.empty()) {
+    key_starts_.set(key.front() % key_starts_.size());
+  }
+  if (parts.stem_length() >= 2) {
+    stem_starts_.set(PlaceOf(&key[parts.name_begin]));
+    stem_ends_.set(PlaceOf(&key[parts.stem_end - 2]));
   }
   key_lengths_.Add(file.key.Lower().size());
   stem_lengths_.Add(parts.stem_length());
@@ -109,9 +120,6 @@ void FileTable::Unlink(TrackedFile& file, const PathParts& parts, const TextHash
     RemoveMark(marks.hashes[mark]);
   }
   RemoveFromStem(file, parts);
-  if (!file.key.empty()) {
-    --first_units_[file.key.Lower().front() % first_units_.size()];
-  }
   key_lengths_.Remove(file.key.Lower().size());
   stem_lengths_.Remove(parts.stem_length());
   extension_lengths_.Remove(file.key.Lower().size() - parts.stem_end);
@@ -135,25 +143,12 @@ void FileTable::AddToStem(TrackedFile& file, const PathParts& parts) {
     stems_.Insert(parts.stem, StemFiles(&file));
     return;
   }
-  const auto name_length = [&parts](const TrackedFile& member) { return member.key.Lower().size() - parts.name_begin; };
   if (StemGroup* const group = found->group(); group != nullptr) {
-    const auto length = group->name_lengths.try_emplace(name_length(file), 0).first;
-    try {
-      group->files.insert(&file);
-    } catch (...) {
-      if (length->second == 0) {
-        group->name_lengths.erase(length);
-      }
-      throw;
-    }
-    ++length->second;
+    group->files.insert(&file);
     return;
   }
   auto group = std::make_unique<StemGroup>();
-  for (TrackedFile* const member : {found->file(), &file}) {
-    group->files.insert(member);
-    ++group->name_lengths[name_length(*member)];
-  }
+  group->files.insert({found->file(), &file});
   *found = StemFiles(group.release());
 }
 
@@ -165,10 +160,6 @@ void FileTable::RemoveFromStem(TrackedFile& file, const PathParts& parts) noexce
     return;
   }
   group->files.erase(&file);
-  const auto length = group->name_lengths.find(file.key.Lower().size() - parts.name_begin);
-  if (--length->second == 0) {
-    group->name_lengths.erase(length);
-  }
   if (group->files.size() == 1) {
     *found = StemFiles(*group->files.begin());
     delete group;

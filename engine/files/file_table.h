@@ -4,10 +4,9 @@
 #define ZT_ENGINE_FILES_FILE_TABLE_H
 
 #include <algorithm>
-#include <array>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -24,8 +23,7 @@ namespace zt {
 /// Several files of one folder whose names have one stem, such as "photo.jpg" and "photo.raw".
 struct StemGroup {
   std::set<TrackedFile*, KeyLess> files;
-  std::map<std::size_t, std::size_t> name_lengths;  ///< How many of the names have each length.
-  std::uint32_t last_search = 0;                    ///< As of a file.
+  std::uint32_t last_search = 0;  ///< As of a file.
 };
 
 /// The files of one folder whose names have one stem: nearly always one file, else a group.
@@ -42,9 +40,6 @@ class StemFiles {
   /// The file, or one of the group.
   [[nodiscard]] TrackedFile* file() const {
     return (bits_ & kGroup) == 0 ? reinterpret_cast<TrackedFile*>(bits_) : *group()->files.begin();
-  }
-  [[nodiscard]] std::uint32_t& last_search() const {
-    return (bits_ & kGroup) == 0 ? file()->last_search : group()->last_search;
   }
 
  private:
@@ -123,25 +118,35 @@ class FileTable {
   [[nodiscard]] StemFiles* FindStem(std::uint64_t hash, const Is& is) noexcept {
     return stems_.Find(hash, is);
   }
-  /// Whether one of these has this hash, or may have it: the first kKeyStart units of a key; the last kEnd units of a key; a
-  /// folder and the first PathParts::kStemStart units of a stem; the last kEnd units of a stem.
+  void FetchStemDirectory(std::uint64_t hash) const noexcept { stems_.FetchDirectory(hash); }
+  void FetchStemSegment(std::uint64_t hash) const noexcept { stems_.FetchSegment(hash); }
+
+  /// Whether one of these has this hash: the first kKeyMark units of a key; a folder and the first kStemMark units of a stem;
+  /// kBeforeEnd and the last kKeyMark units of a key, or the last kStemMark units of a stem.
   [[nodiscard]] bool HasMark(std::uint64_t hash) noexcept { return FindMark(hash) != nullptr; }
-  static constexpr std::size_t kKeyStart = 4;
-  static constexpr std::size_t kEnd = 3;
+  static constexpr std::size_t kKeyMark = 4;
+  static constexpr std::size_t kStemMark = PathParts::kStemStart;
+  static constexpr std::u16string_view kBeforeEnd = u"*";  ///< Tells ends from beginnings; no name of a file has it.
 
-  /// Whether a key may begin with this unit: a first question, which is cheaper than that for a mark.
-  [[nodiscard]] bool MayBegin(char16_t unit) const { return first_units_[unit % first_units_.size()] != 0; }
+  // First questions, which are cheaper than those for marks.
 
-  [[nodiscard]] const LengthCounts& key_lengths() const { return key_lengths_; }
-  [[nodiscard]] const LengthCounts& stem_lengths() const { return stem_lengths_; }
+  /// Whether a key may begin with this unit.
+  [[nodiscard]] bool MayBeginKey(char16_t unit) const { return key_starts_[unit % key_starts_.size()]; }
+  /// Whether a stem may begin with the two units from `text` on, or end with them.
+  [[nodiscard]] bool MayBeginStem(const char16_t* text) const { return stem_starts_[PlaceOf(text)]; }
+  [[nodiscard]] bool MayEndStem(const char16_t* text) const { return stem_ends_[PlaceOf(text)]; }
+
+  [[nodiscard]] const PlaceSet& key_lengths() const { return key_lengths_.lengths(); }
+  [[nodiscard]] const PlaceSet& stem_lengths() const { return stem_lengths_.lengths(); }
   /// Of what follows the stem: the dot and the extension; 0 for names without a dot.
-  [[nodiscard]] const LengthCounts& extension_lengths() const { return extension_lengths_; }
+  [[nodiscard]] const PlaceSet& extension_lengths() const { return extension_lengths_.lengths(); }
 
   /// A number that no file's or group's last_search has yet.
   std::uint32_t BeginSearch() noexcept;
 
  private:
   struct Marks;
+  static constexpr std::size_t kPairs = 1024;
 
   void Link(TrackedFile& file, const PathParts& parts, const TextHash& hash);
   void Unlink(TrackedFile& file, const PathParts& parts, const TextHash& hash) noexcept;
@@ -152,11 +157,15 @@ class FileTable {
     return marks_.Find(hash, [](std::size_t) { return true; });
   }
   void RemoveMark(std::uint64_t hash) noexcept;
+  /// The place of a pair of units. Names differ most in the lower bits of their units.
+  static std::size_t PlaceOf(const char16_t* pair) { return (pair[0] * 33U ^ pair[1]) % kPairs; }
 
-  HashTable<TrackedFile*> paths_;                   ///< By the hash of the whole path.
-  HashTable<StemFiles> stems_;                      ///< By the hash of folder and stem.
-  HashTable<std::size_t> marks_;                    ///< How many files there are of each beginning and end of keys and stems.
-  std::array<std::uint32_t, 64> first_units_ = {};  ///< How many keys begin with a unit, by its remainder.
+  HashTable<TrackedFile*> paths_;    ///< By the hash of the whole path.
+  HashTable<StemFiles> stems_;       ///< By the hash of folder and stem.
+  HashTable<std::size_t> marks_;     ///< How many files there are of each beginning and end of keys and stems.
+  std::bitset<64> key_starts_;       ///< How keys have ever begun: first units, by their remainders.
+  std::bitset<kPairs> stem_starts_;  ///< How stems have ever begun: pairs of units, by PlaceOf.
+  std::bitset<kPairs> stem_ends_;    ///< How they have ever ended.
   LengthCounts key_lengths_;
   LengthCounts stem_lengths_;
   LengthCounts extension_lengths_;

@@ -7,9 +7,11 @@
 #include <cstdint>
 #include <vector>
 
+#include "engine/files/place_set.h"
+
 namespace zt {
 
-/// How many texts of each length there are. Takes memory for the longest, which paths keep short.
+/// How many texts of each length there are, up to TextHash::kMaxLength.
 class LengthCounts {
  public:
   /// Makes room, so that Add of this length does not fail. Throws std::bad_alloc with nothing changed.
@@ -19,24 +21,24 @@ class LengthCounts {
     }
   }
   /// REQUIRES: Reserve(length) was called.
-  void Add(std::size_t length) noexcept { ++counts_[length]; }
-  /// REQUIRES: a text of this length was added and not removed.
-  void Remove(std::size_t length) noexcept { --counts_[length]; }
-
-  [[nodiscard]] bool Has(std::size_t length) const noexcept { return length < counts_.size() && counts_[length] != 0; }
-  /// The lengths from `first` to `last` that there are, in rising order. Throws std::bad_alloc.
-  [[nodiscard]] std::vector<std::size_t> Between(std::size_t first, std::size_t last) const {
-    std::vector<std::size_t> lengths;
-    for (std::size_t length = first; length <= last && length < counts_.size(); ++length) {
-      if (counts_[length] != 0) {
-        lengths.push_back(length);
-      }
+  void Add(std::size_t length) noexcept {
+    if (counts_[length]++ == 0) {
+      lengths_.Add(length);
     }
-    return lengths;
   }
+  /// REQUIRES: a text of this length was added and not removed.
+  void Remove(std::size_t length) noexcept {
+    if (--counts_[length] == 0) {
+      lengths_.Remove(length);
+    }
+  }
+
+  /// The lengths that there are.
+  [[nodiscard]] const PlaceSet& lengths() const noexcept { return lengths_; }
 
  private:
   std::vector<std::uint32_t> counts_;  ///< By length.
+  PlaceSet lengths_;
 };
 
 }  // namespace zt

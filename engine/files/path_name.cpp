@@ -4,8 +4,11 @@
 
 namespace zt {
 
-PathParts::PathParts(std::u16string_view path, const TextHash& hash)
-    : name_begin(path.rfind(u'\\') + 1), stem_end(FolderAndStem(path).size()) {
+PathParts::PathParts(std::u16string_view path, const TextHash& hash)  // NOLINT(cppcoreguidelines-pro-type-member-init)
+    : name_begin(FolderAndStem(path).size()), stem_end(name_begin) {
+  while (name_begin > 0 && path[name_begin - 1] != u'\\') {
+    --name_begin;
+  }
   const std::size_t start_end = std::min(name_begin + kStemStart, stem_end);
   stem_start = hash(path.substr(0, start_end));
   stem = hash.Append(stem_start, path.substr(start_end, stem_end - start_end));
@@ -13,8 +16,12 @@ PathParts::PathParts(std::u16string_view path, const TextHash& hash)
 }
 
 std::u16string_view FolderAndStem(std::u16string_view path) {
-  const std::size_t last = path.find_last_of(u".\\");
-  return last == std::u16string_view::npos || path[last] == u'\\' ? path : path.substr(0, last);
+  for (std::size_t end = path.size(); end > 0 && path[end - 1] != u'\\'; --end) {
+    if (path[end - 1] == u'.') {
+      return path.substr(0, end - 1);
+    }
+  }
+  return path;
 }
 
 }  // namespace zt

@@ -14,19 +14,18 @@
 
 namespace zt {
 
-/// Where the parts of a path lie, and the hashes of its beginnings that tables know it by.
+/// Where the parts of a path lie, and the hashes that tables know it by.
 struct PathParts {
-  /// A search checks that some stem begins with these units before it tries the lengths of stems.
+  /// How many units of a stem its start has.
   static constexpr std::size_t kStemStart = 3;
 
   explicit PathParts(std::u16string_view path, const TextHash& hash);
 
-  std::size_t name_begin;  ///< After the last "\"; 0 where there is none.
-  std::size_t stem_end;    ///< The last "." of the name, or the path's end.
-  std::uint64_t
-      stem_start;      ///< Of the folder and the first kStemStart units of the stem; of the whole stem where it is shorter.
-  std::uint64_t stem;  ///< Of the folder and the stem.
-  std::uint64_t whole;
+  std::size_t name_begin;    ///< After the last "\"; 0 where there is none.
+  std::size_t stem_end;      ///< The last "." of the name, or the path's end.
+  std::uint64_t stem_start;  ///< The hash of the folder and the stem's start; of the whole stem where it is shorter.
+  std::uint64_t stem;        ///< The hash of the folder and the stem.
+  std::uint64_t whole;       ///< The hash of the whole path.
 
   [[nodiscard]] std::size_t stem_length() const { return stem_end - name_begin; }
 };
@@ -48,6 +47,14 @@ class PathName {
       : lower_(text.Lower()), path_(text.Lower()), hash_(hash), parts_(lower_, hash), text_(text) {}
 
   [[nodiscard]] std::u16string_view lower() const { return lower_; }
+  /// Up to, not including, the last "\"; the whole path where it has none.
+  [[nodiscard]] std::u16string_view folder() const {
+    return parts_.name_begin == 0 ? lower_ : lower_.substr(0, parts_.name_begin - 1);
+  }
+  /// After the folder.
+  [[nodiscard]] std::u16string_view name() const { return lower_.substr(parts_.name_begin); }
+  /// The name up to, not including, its last ".".
+  [[nodiscard]] std::u16string_view stem() const { return lower_.substr(parts_.name_begin, parts_.stem_length()); }
   [[nodiscard]] const TextHash& hash() const { return hash_; }
   [[nodiscard]] const PathParts& parts() const { return parts_; }
   /// The hashes of all beginnings of the path, the empty one and the whole path included; made by the first call.

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "engine/files/path_text.h"
+#include "engine/text.h"
 
 namespace zt {
 
@@ -37,7 +38,9 @@ struct TrackedFile {
 
 /// In the order of keys.
 struct KeyLess {
-  bool operator()(const TrackedFile* a, const TrackedFile* b) const noexcept { return a->key.Lower() < b->key.Lower(); }
+  bool operator()(const TrackedFile* a, const TrackedFile* b) const noexcept {
+    return LessUnits(a->key.Lower(), b->key.Lower());
+  }
 };
 
 }  // namespace zt

@@ -34,10 +34,10 @@ class SimilarCandidatesTest : public ::testing::Test {
 
   std::vector<std::wstring> Of(std::wstring_view target) {
     OwnedPath path(target);
-    SimilarCandidates candidates(path.name(), files_, SimilarCandidates::kSmallGroup);
+    SimilarCandidates candidates(path.name(), files_);
     std::vector<std::wstring> keys;
-    while (const TrackedFile* const file = candidates.Next()) {
-      keys.push_back(Widen(file->key.Lower()));
+    for (auto next = candidates.Next(); next.file != nullptr; next = candidates.Next()) {
+      keys.push_back(Widen(next.file->key.Lower()));
     }
     return keys;
   }
@@ -55,12 +55,20 @@ TEST_F(SimilarCandidatesTest, AnEmptyTableHasNone) {
   EXPECT_EQ(SmallestIn(L"c:\\d\\a.doc"), L"(none)");
 }
 
-TEST_F(SimilarCandidatesTest, FilesWhoseStemOccursInTheNameComeInOrder) {
-  for (const wchar_t* path : {L"c:\\d\\report.doc", L"c:\\d\\port.txt", L"c:\\d\\rep", L"c:\\d\\unrelated.doc",
-                              L"c:\\e\\report.doc", L"c:\\d\\e\\report.doc"}) {
+// A stem that occurs in the name is not enough: the whole name, the target's extension, or one of two lengths makes it matter.
+TEST_F(SimilarCandidatesTest, FilesOfTheFolderThatCanMatterComeInOrder) {
+  for (const wchar_t* path :
+       {L"c:\\d\\report.enc", L"c:\\d\\port.txt", L"c:\\d\\rep", L"c:\\d\\ort.doc", L"c:\\d\\unrelated.doc", L"c:\\e\\rep",
+        L"c:\\d\\e\\rep", L"c:\\d\\xreport.doc", L"c:\\d\\po.enc", L"c:\\d\\t.enc"}) {
     Add(path);
   }
-  EXPECT_THAT(Of(L"c:\\d\\xreport.enc"), ElementsAre(L"c:\\d\\port.txt", L"c:\\d\\rep", L"c:\\d\\report.doc"));
+  EXPECT_THAT(Of(L"c:\\d\\xreport.enc"),
+              ElementsAre(L"c:\\d\\ort.doc",        // As long as "xreport".
+                          L"c:\\d\\po.enc",         // The target's extension, after a part of its stem.
+                          L"c:\\d\\rep",            // The whole name occurs.
+                          L"c:\\d\\report.enc",     // Likewise.
+                          L"c:\\d\\t.enc",          // Likewise.
+                          L"c:\\d\\xreport.doc"));  // The stem is as long as the target's.
 }
 
 TEST_F(SimilarCandidatesTest, AStemThatOccursTwiceGivesItsFilesOnce) {
@@ -76,6 +84,9 @@ TEST_F(SimilarCandidatesTest, ATargetWithoutAFolderIsItsOwnFolder) {
 
 TEST_F(SimilarCandidatesTest, AnEmptyStemOccursEverywhere) {
   Add(L"c:\\d\\.profile");
+  EXPECT_THAT(Of(L"c:\\d\\x.profile"), ElementsAre(L"c:\\d\\.profile"));
+  EXPECT_THAT(Of(L"c:\\d\\x"), IsEmpty());
+  const TraceCapture trace(kTraceDebug);
   EXPECT_THAT(Of(L"c:\\d\\x"), ElementsAre(L"c:\\d\\.profile"));
 }
 

@@ -57,8 +57,8 @@ bool SameLines(const std::vector<TraceLine>& engine, const std::vector<ModelLine
 
 /// How the engine searches.
 struct Way {
-  std::uint32_t block = 0;      ///< Which folders.
-  std::size_t small_group = 0;  ///< Of the search of the table; 0 for the export's walk.
+  std::uint32_t block = 0;  ///< Which folders.
+  bool is_export = false;   ///< By the export's walk; else by the table.
   Shape shape = Shape::kRandom;
 };
 
@@ -76,12 +76,12 @@ class Searched {
     process_.files.erase(key);
   }
   Outcome Search(const std::wstring& target) {
-    if (way_.small_group == 0) {
+    if (way_.is_export) {
       const auto found = ZtSearchSimilarFile(engine_, process_, process_.files, target);
       const bool is_found = found != process_.files.end();
       return {is_found, is_found ? found->first : L"", process_.NameDiff};
     }
-    const TrackedFile* const found = SearchSimilarFile(name_diff_, table_, OwnedPath(target).name(), way_.small_group);
+    const TrackedFile* const found = SearchSimilarFile(name_diff_, table_, OwnedPath(target).name());
     return {found != nullptr, found == nullptr ? L"" : Widen(found->key.Lower()), Widen(name_diff_)};
   }
 
@@ -145,22 +145,19 @@ TEST_P(SearchSideBySideTest, LookingUpAndWalkingTraceTheSame) {
 }
 
 /// `count` ways from `first` on.
-std::vector<Way> Blocks(std::uint32_t first, std::uint32_t count, std::size_t small_group, Shape shape) {
+std::vector<Way> Blocks(std::uint32_t first, std::uint32_t count, bool is_export, Shape shape) {
   std::vector<Way> ways;
   for (std::uint32_t block = first; block < first + count; ++block) {
-    ways.push_back({block, small_group, shape});
+    ways.push_back({block, is_export, shape});
   }
   return ways;
 }
 
 // Nine blocks of 5,000 folders with 25 searches each are more than a million.
-INSTANTIATE_TEST_SUITE_P(Random, SearchSideBySideTest, ::testing::ValuesIn(Blocks(0, 3, 8, Shape::kRandom)));
-INSTANTIATE_TEST_SUITE_P(RandomLarge, SearchSideBySideTest, ::testing::ValuesIn(Blocks(3, 2, 1, Shape::kRandom)));
-INSTANTIATE_TEST_SUITE_P(RandomSmall, SearchSideBySideTest, ::testing::ValuesIn(Blocks(5, 1, 100, Shape::kRandom)));
-INSTANTIATE_TEST_SUITE_P(Hostile, SearchSideBySideTest, ::testing::ValuesIn(Blocks(6, 1, 8, Shape::kHostile)));
-INSTANTIATE_TEST_SUITE_P(HostileLarge, SearchSideBySideTest, ::testing::ValuesIn(Blocks(7, 2, 1, Shape::kHostile)));
-INSTANTIATE_TEST_SUITE_P(Export, SearchSideBySideTest, ::testing::ValuesIn(Blocks(9, 1, 0, Shape::kRandom)));
-INSTANTIATE_TEST_SUITE_P(ExportHostile, SearchSideBySideTest, ::testing::ValuesIn(Blocks(10, 1, 0, Shape::kHostile)));
+INSTANTIATE_TEST_SUITE_P(Random, SearchSideBySideTest, ::testing::ValuesIn(Blocks(0, 5, false, Shape::kRandom)));
+INSTANTIATE_TEST_SUITE_P(Hostile, SearchSideBySideTest, ::testing::ValuesIn(Blocks(5, 4, false, Shape::kHostile)));
+INSTANTIATE_TEST_SUITE_P(Export, SearchSideBySideTest, ::testing::ValuesIn(Blocks(9, 1, true, Shape::kRandom)));
+INSTANTIATE_TEST_SUITE_P(ExportHostile, SearchSideBySideTest, ::testing::ValuesIn(Blocks(10, 1, true, Shape::kHostile)));
 
 }  // namespace
 }  // namespace zt::model

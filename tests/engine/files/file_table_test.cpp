@@ -101,32 +101,39 @@ TEST_F(FileTableTest, FilesOfOneStemAreAGroup) {
   EXPECT_EQ(CountOfStem(u"c:\\d\\photo"), 0U);
 }
 
-TEST_F(FileTableTest, AGroupCountsTheLengthsOfItsNames) {
-  for (const wchar_t* path : {L"c:\\d\\a.b", L"c:\\d\\a.c", L"c:\\d\\a.long", L"c:\\d\\a"}) {
-    Add(path);
-  }
-  const StemFiles* const found = table_.FindStem(hash_(u"c:\\d\\a"), [](StemFiles) { return true; });
-  ASSERT_NE(found->group(), nullptr);
-  EXPECT_THAT(found->group()->name_lengths, ElementsAre(std::pair(1, 1), std::pair(3, 2), std::pair(6, 1)));
-  Erase(L"c:\\d\\a.c");
-  Erase(L"c:\\d\\a");
-  EXPECT_THAT(found->group()->name_lengths, ElementsAre(std::pair(3, 1), std::pair(6, 1)));
-}
-
-TEST_F(FileTableTest, LengthsAndBeginningsAreKnownAsLongAsAFileHasThem) {
+TEST_F(FileTableTest, LengthsBeginningsAndEndsAreKnownAsLongAsAFileHasThem) {
+  const std::vector<std::u16string_view> marks = {u"c:\\d", u"c:\\d\\rep", u"*.doc"};
+  const auto known = [&] {
+    return std::count_if(marks.begin(), marks.end(), [this](std::u16string_view mark) { return table_.HasMark(hash_(mark)); });
+  };
   Add(L"c:\\d\\report.doc");
   Add(L"c:\\d\\repair.doc");
-  EXPECT_TRUE(table_.HasMark(hash_(u"c:\\d")));
-  EXPECT_TRUE(table_.HasMark(hash_(u"c:\\d\\rep")));
+  EXPECT_EQ(known(), 3);
+  EXPECT_TRUE(table_.HasMark(hash_(u"*ort")));
+  EXPECT_TRUE(table_.HasMark(hash_(u"*air")));
+  EXPECT_FALSE(table_.HasMark(hash_(u".doc")));  // An end is no beginning.
   EXPECT_TRUE(table_.key_lengths().Has(15));
   EXPECT_TRUE(table_.stem_lengths().Has(6));
+  EXPECT_TRUE(table_.extension_lengths().Has(4));
   Erase(L"c:\\d\\report.doc");
-  EXPECT_TRUE(table_.HasMark(hash_(u"c:\\d\\rep")));
+  EXPECT_EQ(known(), 3);
+  EXPECT_FALSE(table_.HasMark(hash_(u"*ort")));
   Erase(L"c:\\d\\repair.doc");
-  EXPECT_FALSE(table_.HasMark(hash_(u"c:\\d")));
-  EXPECT_FALSE(table_.HasMark(hash_(u"c:\\d\\rep")));
+  EXPECT_EQ(known(), 0);
   EXPECT_FALSE(table_.key_lengths().Has(15));
   EXPECT_FALSE(table_.stem_lengths().Has(6));
+  EXPECT_FALSE(table_.extension_lengths().Has(4));
+}
+
+// What stays after the last such file went only costs a second question.
+TEST_F(FileTableTest, FirstQuestionsMissNothing) {
+  Add(L"c:\\d\\report.doc");
+  EXPECT_TRUE(table_.MayBeginKey(u'c'));
+  EXPECT_FALSE(table_.MayBeginKey(u'd'));
+  EXPECT_TRUE(table_.MayBeginStem(u"re"));
+  EXPECT_FALSE(table_.MayBeginStem(u"er"));
+  EXPECT_TRUE(table_.MayEndStem(u"rt"));
+  EXPECT_FALSE(table_.MayEndStem(u"oc"));
 }
 
 TEST_F(FileTableTest, ErasesWhatGoes) {
