@@ -34,6 +34,7 @@ constexpr std::array kTargets = {
     Target{"dots: worst us", "Hostile/dots:worst_us", nullptr, true, 1000},
     Target{"stems inside stems: worst us", "Hostile/stems_inside_stems:worst_us", nullptr, true, 1000},
     Target{"keys without a folder: worst us", "Hostile/keys_without_folder:worst_us", nullptr, true, 1000},
+    Target{"one file a stem: worst us", "Hostile/one_file_a_stem:worst_us", nullptr, true, 1000},
     Target{"every part of one name: worst us", "Hostile/every_part:worst_us", nullptr, true, 1000},
     Target{"traced, one stem : walk", "Traced/one_stem:to_walk", nullptr, true, 1.2},
     Target{"traced, stems of every length : walk", "Traced/every_stem:to_walk", nullptr, true, 1.2},

@@ -248,9 +248,9 @@ void SimilarCandidates::AnswerQuestions() {
 /// Takes in what there is to take of the files whose stem is this part of the target's name.
 void SimilarCandidates::FindStem(std::uint64_t hash, std::size_t begin, std::size_t length) {
   const std::u16string_view stem = name_.substr(begin, length);
-  // Of a group, the files that are taken are compared.
+  // Of a group, the files that are taken are compared; a file that was added has been.
   const StemFiles* const found = files_.FindStem(hash, [&](StemFiles files) {
-    return files.group() != nullptr || IsMadeOf(FolderAndStem(files.file()->key.Lower()), {stem});
+    return files.group() != nullptr || files.file()->last_search == search_ || IsMadeOf(files.file()->FolderAndStem(), {stem});
   });
   if (found == nullptr) {
     return;
@@ -264,6 +264,9 @@ void SimilarCandidates::FindStem(std::uint64_t hash, std::size_t begin, std::siz
 
 /// A stem that has one file.
 void SimilarCandidates::MeetFile(TrackedFile& file, std::size_t begin, std::size_t length) {
+  if (file.last_search == search_) {
+    return;
+  }
   const std::u16string_view file_name = NameOf(file);
   const std::u16string_view extension = file_name.substr(length);
   if (SameUnits(name_.substr(begin + length, extension.size()), extension)) {
@@ -280,7 +283,7 @@ void SimilarCandidates::MeetGroup(StemGroup& group, std::size_t begin, std::size
   const bool is_new = group.last_search != search_;
   group.last_search = search_;
   if (all_ || length == stem_.size()) {
-    if (is_new && IsMadeOf(FolderAndStem((*group.files.begin())->key.Lower()), {stem})) {
+    if (is_new && IsMadeOf((*group.files.begin())->FolderAndStem(), {stem})) {
       AddGroup(group.files);
     }
     return;
@@ -310,7 +313,7 @@ void SimilarCandidates::MeetGroup(StemGroup& group, std::size_t begin, std::size
 void SimilarCandidates::AddNamesAsLongAsStem(const Group& files, std::uint64_t stem_hash, std::u16string_view stem) {
   if (files.size() <= name_.size()) {
     for (TrackedFile* const file : files) {
-      if (IsMadeOf(FolderAndStem(file->key.Lower()), {stem}) && NameOf(*file).size() == stem_.size()) {
+      if (IsMadeOf(file->FolderAndStem(), {stem}) && NameOf(*file).size() == stem_.size()) {
         AddFile(file, kUnknown);
       }
     }

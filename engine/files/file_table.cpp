@@ -48,7 +48,7 @@ std::pair<TrackedFile*, bool> FileTable::FindOrAdd(PathName& path) {
   if (TrackedFile* const found = Find(path); found != nullptr) {
     return {found, false};
   }
-  auto file = std::make_unique<TrackedFile>(path.Text());
+  auto file = std::make_unique<TrackedFile>(path.Text(), path.parts().stem_end);
   paths_.Insert(path.parts().whole, file.get());
   try {
     Link(*file, path.parts(), path.hash());
@@ -132,8 +132,8 @@ void FileTable::RemoveMark(std::uint64_t hash) noexcept {
 }
 
 StemFiles* FileTable::FindStemOf(const TrackedFile& file, const PathParts& parts) noexcept {
-  const std::u16string_view stem = file.key.Lower().substr(0, parts.stem_end);
-  return stems_.Find(parts.stem, [stem](StemFiles files) { return FolderAndStem(files.file()->key.Lower()) == stem; });
+  return stems_.Find(parts.stem,
+                     [&file](StemFiles files) { return SameUnits(files.file()->FolderAndStem(), file.FolderAndStem()); });
 }
 
 // Throws std::bad_alloc with nothing changed.

@@ -30,9 +30,6 @@ struct PathParts {
   [[nodiscard]] std::size_t stem_length() const { return stem_end - name_begin; }
 };
 
-/// A path up to the end of its stem: what PathParts::stem is the hash of.
-std::u16string_view FolderAndStem(std::u16string_view path);
-
 /// A path in lower case with its parts and, once something keeps it, its text.
 ///
 /// Borrows the units, at most TextHash::kMaxLength. Threads: used under the engine's lock, by one event.

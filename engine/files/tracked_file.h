@@ -3,7 +3,9 @@
 #ifndef ZT_ENGINE_FILES_TRACKED_FILE_H
 #define ZT_ENGINE_FILES_TRACKED_FILE_H
 
+#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "engine/files/path_text.h"
 #include "engine/text.h"
@@ -29,10 +31,14 @@ struct FileItem {
 
 /// A record with the path that it is found by. Stays where it is until it is erased.
 struct TrackedFile {
-  explicit TrackedFile(const PathText& path) : key(path) {}
+  TrackedFile(const PathText& path, std::size_t end_of_stem) : key(path), stem_end(static_cast<std::uint16_t>(end_of_stem)) {}
+
+  /// The folder and the stem of the key.
+  [[nodiscard]] std::u16string_view FolderAndStem() const noexcept { return key.Lower().substr(0, stem_end); }
 
   const PathText key;
   FileItem item;
+  const std::uint16_t stem_end;   ///< As PathParts::stem_end.
   std::uint32_t last_search = 0;  ///< The search that met the file last; see FileTable::BeginSearch.
 };
 

@@ -111,7 +111,7 @@ class CallbackTest : public ::testing::Test {
   }
   [[nodiscard]] std::string Dump() const {
     std::ostringstream out;
-    TrackedFile tracked((PathText()));
+    TrackedFile tracked(PathText(), 0);
     tracked.item = file_;
     DumpFile(out, tracked);
     return out.str();

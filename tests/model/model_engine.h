@@ -6,6 +6,7 @@
 #ifndef ZT_TESTS_MODEL_MODEL_ENGINE_H
 #define ZT_TESTS_MODEL_MODEL_ENGINE_H
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -37,6 +38,8 @@ class ModelEngine {
   ModelTrace& trace() { return trace_; }
   /// The newest process under `pid`, or null; for the model's own tests.
   [[nodiscard]] const TreeEntry* Find(std::uint64_t pid) const;
+  /// How many file records all processes have together.
+  [[nodiscard]] std::size_t CountFiles() const;
 
  private:
   // One event: model_insert.cpp.

@@ -32,6 +32,14 @@ const TreeEntry* ModelEngine::Find(std::uint64_t pid) const {
   return entry == tree_.end() ? nullptr : &entry->second;
 }
 
+std::size_t ModelEngine::CountFiles() const {
+  std::size_t count = 0;
+  for (const auto& [key, entry] : tree_) {
+    count += entry.item.files.size();
+  }
+  return count;
+}
+
 ProcessItem* ModelEngine::ItemOf(const Key& key) {
   const auto entry = tree_.find(key);
   return entry == tree_.end() ? nullptr : &entry->second.item;

@@ -143,7 +143,7 @@ Call RandomEvents::SingleCall() {
     return SetScore(Percent(90) ? ActingPid() : NewPid());
   }
   if (kind < 90) {
-    return Reset();
+    return life_ == Life::kShort || Percent(5) ? Reset() : Query(KnownPid());
   }
   if (kind < 95) {
     return SingleLineScore();

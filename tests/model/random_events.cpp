@@ -37,13 +37,14 @@ std::string Describe(const Call& call) {
   return text.str();
 }
 
-RandomEvents::RandomEvents(std::uint64_t seed) : random_(seed), clock_(static_cast<std::int64_t>(Below(1000000000))) {
+RandomEvents::RandomEvents(std::uint64_t seed, Life life)
+    : life_(life), random_(seed), clock_(static_cast<std::int64_t>(Below(1000000000))) {
   habit_ = RandomDisguise();
   StartUp();
 }
 
 std::int64_t RandomEvents::Tick() {
-  if (Below(400) == 0) {
+  if (Below(life_ == Life::kShort ? 400 : 20000) == 0) {
     // Two of these make a file record old: it is kept for 9 000 000 000 ticks.
     clock_ += 5000000000;
   } else if (!Percent(20)) {

@@ -47,7 +47,12 @@ struct Disguise {
 /// knows nothing of what an engine makes of them.
 class RandomEvents {
  public:
-  explicit RandomEvents(std::uint64_t seed);
+  enum class Life : std::uint8_t {
+    kShort,  ///< Few paths and frequent resets, so that everything happens within some hundred calls.
+    kLong,   ///< Mostly documents that are touched for the first time, and rare resets: the engine fills.
+  };
+
+  explicit RandomEvents(std::uint64_t seed, Life life = Life::kShort);
 
   Call Next();
 
@@ -73,6 +78,7 @@ class RandomEvents {
   std::wstring Folder();
   std::wstring Name();
   std::wstring Path();
+  std::wstring NewDocument();
   std::wstring LongPath(std::size_t length);
   std::wstring OpenedPath(std::uint64_t pid);
   Disguise RandomDisguise();
@@ -128,6 +134,8 @@ class RandomEvents {
   Play FamilyExit(std::uint64_t pid);
   Play RaiseScores(std::uint64_t pid);
 
+  const Life life_;
+  std::uint64_t documents_ = 0;  ///< How many there are.
   std::mt19937_64 random_;
   std::int64_t clock_ = 0;
   std::vector<std::int64_t> stamps_;                           ///< Some times of earlier events.

@@ -77,6 +77,9 @@ std::wstring RandomEvents::Name() {
 }
 
 std::wstring RandomEvents::Path() {
+  if (life_ == Life::kLong && Percent(80)) {
+    return NewDocument();
+  }
   if (Percent(2)) {
     return LongPath(Percent(50) ? 524 : 500 + Below(24));
   }
@@ -87,6 +90,14 @@ std::wstring RandomEvents::Path() {
     return OneOf(kOdd);
   }
   return MixCase(Folder() + Name());
+}
+
+std::wstring RandomEvents::NewDocument() {
+  static const std::vector<std::wstring> kWords = {L"Annual", L"Budget",  L"Contract", L"Draft",   L"Estimate",
+                                                   L"Final",  L"Invoice", L"Meeting",  L"Project", L"Report"};
+  static const std::vector<std::wstring> kExtensions = {L".docx", L".xlsx", L".pdf", L".jpg"};
+  const std::wstring name = OneOf(kWords) + L" " + OneOf(kWords) + L" " + std::to_wstring(++documents_);
+  return L"C:\\Users\\Ann\\" + std::to_wstring(2020 + Below(4)) + L"\\" + name + OneOf(kExtensions);
 }
 
 std::wstring RandomEvents::LongPath(std::size_t length) {

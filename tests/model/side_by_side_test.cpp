@@ -138,20 +138,24 @@ std::string Difference(const std::vector<TraceLine>& lines, const std::vector<Mo
 /// Both engines, started with the same flags.
 class SideBySide {
  public:
-  SideBySide(std::uint64_t seed, std::uint64_t flags) : capture_(flags), events_(seed), model_(kEngineId, flags) {
+  SideBySide(std::uint64_t seed, std::uint64_t flags, RandomEvents::Life life = RandomEvents::Life::kShort)
+      : capture_(flags), events_(seed, life), model_(kEngineId, flags) {
     ZtInitEngineCore(engine_, kEngineId);
   }
   ~SideBySide() { ZtCleanupEngineCore(engine_); }
   SideBySide(const SideBySide&) = delete;
   SideBySide& operator=(const SideBySide&) = delete;
 
-  /// Plays all calls. Returns a description of the first difference, or nothing.
-  std::string Run() {
+  /// Plays this many calls. Returns a description of the first difference, or nothing.
+  std::string Run(std::uint64_t calls) {
     std::string difference = Difference(capture_.Take(), model_.trace().Take());
-    for (std::uint64_t i = 0; i < kCallsOfAnEngine && difference.empty(); ++i) {
+    for (std::uint64_t i = 0; i < calls && difference.empty(); ++i) {
       difference = Compare(events_.Next());
-      if (i % 250 == 249 && difference.empty()) {
+      if (i % (calls / 4) == calls / 4 - 1 && difference.empty()) {
         difference = CompareQueries({Call::Kind::kGetFinalState});
+      }
+      if (i % 1000 == 0) {
+        most_files_ = std::max(most_files_, model_.CountFiles());
       }
     }
     const std::vector<Call::Kind> all = {Call::Kind::kGetFinalState, Call::Kind::kGetPids, Call::Kind::kGetImages};
@@ -160,6 +164,9 @@ class SideBySide {
     }
     return difference;
   }
+
+  /// The most file records that there were at one time, looked at every 1,000 calls.
+  [[nodiscard]] std::size_t most_files() const { return most_files_; }
 
  private:
   std::string Compare(const Call& call) {
@@ -197,6 +204,7 @@ class SideBySide {
   ModelEngine model_;
   std::shared_ptr<void> engine_;
   std::uint64_t calls_ = 0;
+  std::size_t most_files_ = 0;
 };
 
 /// Mostly everything is traced; for some engines nothing is, or one kind of line alone.
@@ -215,12 +223,25 @@ TEST_P(SideBySideTest, EngineAndModelGiveTheSameResultsAndTrace) {
     // By the seed, so that one seed alone is traced as it was among many.
     const std::uint64_t flags = FlagsOfEngine(seed / kBlocks);
     SideBySide both(seed, flags);
-    const std::string difference = both.Run();
+    const std::string difference = both.Run(kCallsOfAnEngine);
     if (!difference.empty()) {
       FAIL() << "seed " << seed << ", trace flags " << flags << ", " << difference;
     }
   }
 }
+
+// One engine that fills: 100,000 calls lead to some 20,000 tracked files. Untraced, as the model's search walks all of them.
+class LongHistoryTest : public ::testing::TestWithParam<std::uint64_t> {};
+
+TEST_P(LongHistoryTest, EngineAndModelGiveTheSameResults) {
+  constexpr std::uint64_t kCalls = 100000;
+  SideBySide both(GetParam(), 0, RandomEvents::Life::kLong);
+  const std::string difference = both.Run(kCalls);
+  EXPECT_EQ(difference, "") << "seed " << GetParam();
+  EXPECT_GT(both.most_files(), 20000U);  // All of them at one time.
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, LongHistoryTest, ::testing::Values(1, 2));
 
 INSTANTIATE_TEST_SUITE_P(Blocks, SideBySideTest, ::testing::Range<std::uint64_t>(0, kBlocks));
 

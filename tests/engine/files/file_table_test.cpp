@@ -38,7 +38,7 @@ class FileTableTest : public ::testing::Test {
   /// How many files have this folder and stem.
   std::size_t CountOfStem(std::u16string_view stem) {
     const StemFiles* const found =
-        table_.FindStem(hash_(stem), [stem](StemFiles files) { return FolderAndStem(files.file()->key.Lower()) == stem; });
+        table_.FindStem(hash_(stem), [stem](StemFiles files) { return files.file()->FolderAndStem() == stem; });
     if (found == nullptr) {
       return 0;
     }

@@ -70,7 +70,6 @@ TEST(PathPartsTest, PartsAreThoseOfFolderStemAndExtension) {
     EXPECT_EQ(parts.stem_end, row.stem_end);
     EXPECT_EQ(parts.stem, hash(row.path.substr(0, row.stem_end)));
     EXPECT_EQ(parts.whole, hash(row.path));
-    EXPECT_EQ(FolderAndStem(row.path), row.path.substr(0, row.stem_end));
   }
 }
 
