@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "bench/sizes.h"
 #include "bench/workload.h"
 
 namespace {
@@ -14,7 +15,7 @@ using zt::bench::Workload;
 
 void SmallContexts(benchmark::internal::Benchmark* benchmark) { benchmark->Arg(10)->Arg(100)->Arg(1000); }
 
-std::size_t FileCount(const benchmark::State& state) { return static_cast<std::size_t>(state.range(0)); }
+std::size_t FileCount(const benchmark::State& state) { return zt::bench::Scaled(state.range(0)); }
 
 std::vector<std::wstring> Targets(std::size_t count, const std::wstring& suffix) {
   std::vector<std::wstring> targets;
@@ -60,7 +61,7 @@ void BM_EncryptFiles(benchmark::State& state) {
       benchmark::DoNotOptimize(workload.Feed(BehaviorRename, path + L"|" + path + L".locked", 0));
     }
   }
-  state.SetItemsProcessed(state.iterations() * state.range(0) * 4);
+  state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(4 * files));
 }
 
 BENCHMARK(BM_Open)->Apply(SmallContexts);

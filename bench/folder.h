@@ -97,8 +97,8 @@ class TrackedFolder {
     }
   }
 
-  void Insert(LOG_ITEM& record) { engine_.InsertLog(&record); }
-  void Insert(LOG_ITEM&& record) { Insert(record); }
+  ZtLong Insert(LOG_ITEM& record) { return engine_.InsertLog(&record); }
+  ZtLong Insert(LOG_ITEM&& record) { return Insert(record); }
 
   /// Events of one kind on the next `count` files, each of which is handed out once until all were.
   std::vector<LOG_ITEM> NextEvents(EventMaker make, std::size_t count) {

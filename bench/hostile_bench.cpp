@@ -46,7 +46,7 @@ class Attack {
   RealEngine engine_;
 };
 
-constexpr int kRepeats = 10;
+const auto kRepeats = static_cast<std::int64_t>(Sized(10, 2));
 
 void HostileNames(benchmark::State& state, const NamedShape& named) {
   const Shape shape = named.make(FileCount());

@@ -8,6 +8,7 @@
 
 #include "bench/cpu_time.h"
 #include "bench/folder.h"
+#include "bench/sizes.h"
 
 namespace zt::bench {
 namespace {
@@ -19,6 +20,13 @@ constexpr std::uint64_t kFirstChild = 2000;
 
 void* Handle() { return reinterpret_cast<void*>(std::uintptr_t{kPid}); }
 
+std::size_t CountToRestore(Folder& folder) {
+  std::map<std::wstring, ZT_FILE_ITEM_PUBLIC> files;
+  std::vector<std::wstring> paths;
+  ZtGetFinalStateFileByPid(folder.engine().handle(), Handle(), files, paths);
+  return files.size();
+}
+
 template <typename Call>
 double MillisecondsOf(const Call& call) {
   const double start = CpuSeconds();
@@ -26,8 +34,8 @@ double MillisecondsOf(const Call& call) {
   return (CpuSeconds() - start) * 1000;
 }
 
-void GiveChildren(Folder& folder, std::int64_t count, bool exit) {
-  for (std::uint64_t child = kFirstChild; child < kFirstChild + static_cast<std::uint64_t>(count); ++child) {
+void GiveChildren(Folder& folder, std::size_t count, bool exit) {
+  for (std::uint64_t child = kFirstChild; child < kFirstChild + count; ++child) {
     folder.Insert(MakeRecord(kPid, BehaviorProcessCreate, L"C:\\Windows\\System32\\child.exe", child));
     if (exit) {
       folder.Insert(MakeRecord(child, BehaviorProcessExit, {}, 0));
@@ -44,11 +52,12 @@ void KeepLongest(benchmark::State& state, const Make& make, const Call& call) {
     const double time = MillisecondsOf([&] { call(folder); });
     state.SetIterationTime(time / 1000);
     longest = std::max(longest, time);
+    state.counters["to_restore"] = static_cast<double>(CountToRestore(folder));
   }
   state.counters["longest_ms"] = longest;
 }
 
-Folder FilesOnly(const benchmark::State& state) { return Folder(static_cast<std::size_t>(state.range(0))); }
+Folder FilesOnly(const benchmark::State& state) { return Folder(Scaled(state.range(0))); }
 
 /// Nothing is old: every record is looked at.
 void ResetScoreKeepsFiles(benchmark::State& state) {
@@ -69,19 +78,14 @@ void ResetScoreCollectsChildren(benchmark::State& state) {
       state,
       [&] {
         Folder folder(1);
-        GiveChildren(folder, state.range(0), true);
+        GiveChildren(folder, Scaled(state.range(0)), true);
         ZtResetScore(folder.engine().handle(), 20000, kNever);
         return folder;
       },
       [](Folder& folder) { ZtResetScore(folder.engine().handle(), 20000, kNever); });
 }
 
-void GetFinalState(Folder& folder) {
-  std::map<std::wstring, ZT_FILE_ITEM_PUBLIC> files;
-  std::vector<std::wstring> paths;
-  ZtGetFinalStateFileByPid(folder.engine().handle(), Handle(), files, paths);
-  benchmark::DoNotOptimize(files.size() + paths.size());
-}
+void GetFinalState(Folder& folder) { benchmark::DoNotOptimize(CountToRestore(folder)); }
 
 /// Every file is to be restored.
 void FinalStateOfFiles(benchmark::State& state) {
@@ -89,7 +93,7 @@ void FinalStateOfFiles(benchmark::State& state) {
       state,
       [&] {
         Folder folder = FilesOnly(state);
-        for (std::size_t file = 0; file < static_cast<std::size_t>(state.range(0)); ++file) {
+        for (std::size_t file = 0; file < Scaled(state.range(0)); ++file) {
           folder.Insert(MakeWrite(file));
         }
         return folder;
@@ -103,7 +107,7 @@ void FinalStateOfFamily(benchmark::State& state) {
       state,
       [&] {
         Folder folder(1);
-        GiveChildren(folder, state.range(0), false);
+        GiveChildren(folder, Scaled(state.range(0)), false);
         return folder;
       },
       GetFinalState);

@@ -4,6 +4,7 @@
 
 #include "bench/cpu_time.h"
 #include "bench/folder.h"
+#include "bench/sizes.h"
 #include "tests/model/model_engine.h"
 
 namespace zt::bench {
@@ -12,7 +13,7 @@ namespace {
 using ModelFolder = TrackedFolder<model::ModelEngine>;
 
 void FeedModel(benchmark::State& state, EventMaker make) {
-  static ModelFolder folder(static_cast<std::size_t>(state.range(0)), Order::kShuffled, 1U, std::uint64_t{0});
+  static ModelFolder folder(Scaled(state.range(0)), Order::kShuffled, 1U, std::uint64_t{0});
   double seconds = 0;
   for (auto _ : state) {
     std::vector<LOG_ITEM> events = folder.NextEvents(make, 1);

@@ -6,6 +6,7 @@
 
 #include "bench/cpu_time.h"
 #include "bench/folder.h"
+#include "bench/sizes.h"
 
 namespace zt::bench {
 namespace {
@@ -14,7 +15,7 @@ constexpr int kQueries = 100;
 
 void FamilyQuery(benchmark::State& state) {
   RealEngine engine;
-  const auto depth = static_cast<std::uint64_t>(state.range(0));
+  const std::uint64_t depth = Scaled(state.range(0));
   for (std::uint64_t generation = 1; generation <= depth; ++generation) {
     LOG_ITEM create = MakeRecord(generation - 1, BehaviorProcessCreate, L"C:\\Windows\\app.exe", generation);
     engine.InsertLog(&create);

@@ -15,14 +15,15 @@
 
 #include "bench/cpu_time.h"
 #include "bench/folder.h"
+#include "bench/sizes.h"
 
 namespace zt::bench {
 namespace {
 
 using Folder = TrackedFolder<RealEngine>;
 
-constexpr std::size_t kBatch = 200;
-constexpr std::size_t kBatches = 50;
+std::size_t Batch() { return Sized(200, 20); }
+std::size_t Batches() { return Sized(50, 2); }
 constexpr std::int64_t kLargeFolder = 100000;
 
 constexpr std::array kKinds = {
@@ -38,30 +39,32 @@ constexpr std::array kKinds = {
 
 std::shared_ptr<Folder> FolderOf(std::int64_t files, Order order) {
   static std::map<std::pair<std::int64_t, Order>, std::shared_ptr<Folder>> large;
-  if (files < kLargeFolder) {
-    return std::make_shared<Folder>(static_cast<std::size_t>(files), order);
+  if (files < kLargeFolder || IsTiny()) {
+    return std::make_shared<Folder>(Scaled(files), order);
   }
   std::shared_ptr<Folder>& folder = large[{files, order}];
   if (!folder) {
-    folder = std::make_shared<Folder>(static_cast<std::size_t>(files), order);
+    folder = std::make_shared<Folder>(Scaled(files), order);
   }
   return folder;
 }
 
 void FeedBatches(benchmark::State& state, EventMaker make, Order order) {
   double seconds = 0;
+  std::size_t penalties = 0;
   for (auto _ : state) {
     const auto folder = FolderOf(state.range(0), order);
-    std::vector<LOG_ITEM> events = folder->NextEvents(make, kBatch);
+    std::vector<LOG_ITEM> events = folder->NextEvents(make, Batch());
     const double start = CpuSeconds();
     for (LOG_ITEM& event : events) {
-      folder->Insert(event);
+      penalties += folder->Insert(event) != 0 ? 1 : 0;
     }
     const double time = CpuSeconds() - start;
     state.SetIterationTime(time);
     seconds += time;
   }
-  state.counters["ns"] = seconds * 1e9 / static_cast<double>(static_cast<std::size_t>(state.iterations()) * kBatch);
+  state.counters["ns"] = seconds * 1e9 / static_cast<double>(static_cast<std::size_t>(state.iterations()) * Batch());
+  state.counters["penalties"] = static_cast<double>(penalties) / static_cast<double>(state.iterations());
 }
 
 [[maybe_unused]] const bool kRegistered = [] {
@@ -70,7 +73,7 @@ void FeedBatches(benchmark::State& state, EventMaker make, Order order) {
       for (const EventKind& kind : kKinds) {
         benchmark::RegisterBenchmark((family + std::string(kind.name)).c_str(), FeedBatches, kind.make, order)
             ->Arg(files)
-            ->Iterations(kBatches)
+            ->Iterations(static_cast<std::int64_t>(Batches()))
             ->UseManualTime()
             ->Unit(benchmark::kMicrosecond);
       }

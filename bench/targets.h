@@ -5,6 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -16,8 +17,8 @@ class TargetReporter : public benchmark::ConsoleReporter {
  public:
   void ReportRuns(const std::vector<Run>& runs) override;
 
-  /// Prints each target whose benchmarks have run, with the figure and whether it is met.
-  void PrintTargets();
+  /// Prints each target whose benchmarks have run, with the figure and whether it is met. Returns how many were left out.
+  std::size_t PrintTargets();
 
  private:
   std::map<std::string, double> counters_;  ///< "benchmark:counter" to value.

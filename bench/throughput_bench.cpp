@@ -8,12 +8,13 @@
 
 #include "bench/cpu_time.h"
 #include "bench/folder.h"
+#include "bench/sizes.h"
 
 namespace zt::bench {
 namespace {
 
-constexpr std::size_t kFiles = 10000;
-constexpr std::size_t kEvents = 50000;
+const std::size_t kFiles = Sized(10000, 100);
+const std::size_t kEvents = Sized(50000, 500);
 
 LOG_ITEM MakeModuleLoad(std::size_t file) {
   return MakeRecord(kPid, BehaviorModuleLoad, L"C:\\Windows\\System32\\module" + std::to_wstring(file % 100) + L".dll", 0);
@@ -92,7 +93,7 @@ void Threads(benchmark::State& state) {
 
 BENCHMARK_CAPTURE(Mixed, one_process, false)->UseManualTime()->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(Mixed, under_a_parent, true)->UseManualTime()->Unit(benchmark::kMillisecond);
-BENCHMARK(Threads)->Threads(1)->Threads(2)->UseRealTime()->MinTime(2);
+BENCHMARK(Threads)->Threads(1)->Threads(2)->UseRealTime()->MinTime(IsTiny() ? 0.01 : 2.0);
 
 }  // namespace
 }  // namespace zt::bench

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "bench/cpu_time.h"
+#include "bench/sizes.h"
 #include "engine/tracing.h"
 #include "trace/library.h"
 #include "trace/trace_state.h"
@@ -19,7 +20,7 @@ namespace zt::bench {
 namespace {
 
 constexpr std::uint32_t kToFile = 0x2 | 0x100;
-constexpr std::int64_t kLines = 1'000'000;
+const auto kLines = static_cast<std::int64_t>(Sized(1'000'000, 1000));
 
 std::filesystem::path Folder() { return std::filesystem::temp_directory_path() / "zteng-trace-bench"; }
 
