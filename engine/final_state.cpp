@@ -1,8 +1,11 @@
 #include "engine/final_state.h"
 
+#include <algorithm>
 #include <iterator>
 #include <string>
+#include <vector>
 
+#include "engine/paths.h"
 #include "engine/text.h"
 #include "engine/tracing.h"
 
@@ -10,11 +13,14 @@ namespace zt {
 namespace {
 
 /// The images of the suspicious members of the family of `key`: a malicious program is never handed back for restoring.
-PathSet SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key, FinalStateVisitor& visitor) {
-  PathSet images;
+std::vector<PathText> SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key, FinalStateVisitor& visitor) {
+  std::vector<PathText> images;
   for (const ProcessTree::Entry* member : ProcessFamily(engine.Tree, engine.Tree.FamilyRoot(key, engine.ScoreWalkLimit))) {
     if (IsSuspicious(member->Item)) {
-      images.insert(member->Item.ImagePath);
+      const std::u16string image = ToUnits(member->Item.ImagePath);
+      std::u16string lower(image.size(), u'\0');
+      std::transform(image.begin(), image.end(), lower.begin(), ToLower);
+      images.emplace_back(lower, image);
       visitor.OnExcludedImage(member->Item.ImagePath);
     }
   }
@@ -23,12 +29,16 @@ PathSet SuspiciousImages(const _ZtEngineCore& engine, const ZtProcKey& key, Fina
 
 bool IsRestored(const FileItem& file) { return file.State == ZT_SECTION_SYNC || file.State == ZT_OVERWRITE; }
 
-/// Reports each restore candidate whose path is not in `excluded`, which takes the path in: each path is reported once.
-void ReportFiles(const ProcessItem& process, PathSet& excluded, FinalStateVisitor& visitor) {
+/// Reports each restore candidate whose path is none of `excluded`; each path once.
+void ReportFiles(const ProcessItem& process, const std::vector<PathText>& excluded, FinalStateVisitor& visitor) {
+  PathSet left_out;
+  for (const PathText& path : excluded) {
+    left_out.Add(path);
+  }
   const bool all = visitor.WantsFilesLeftOut();
   for (const TrackedFile* const file :
        process.files.Sorted([all](const TrackedFile& each) { return all || each.item.Similar; })) {
-    if (file->item.Similar && excluded.insert(file->item.Path.Wide()).second) {
+    if (file->item.Similar && left_out.Add(file->item.Path)) {
       visitor.OnFile(*file, IsRestored(file->item));
     } else {
       visitor.OnFileLeftOut(*file);
@@ -53,7 +63,8 @@ class CopyForHost : public FinalStateVisitor {
     item.Restore = restored ? 1 : 0;
     item.Context = file.item.Context;
     ZT_TRACE_DEBUG_AT(1313, "%ws will get restored", item.Path.c_str());
-    files_.insert_or_assign(Widen(file.key.Lower()), std::move(item));
+    // Files come in the order of keys, so mostly after all that the host's map has.
+    files_.insert_or_assign(files_.end(), Widen(file.key.Lower()), std::move(item));
   }
   void OnKey(const ZtProcKey& key) override {
     ZT_TRACE_DEBUG_AT(1283, "ZtGetFinalStateFileByPid:: Pid:%ld Time:%lld", Trace32(key.Pid), Trace64(key.Time));
@@ -80,7 +91,7 @@ void TellFinalState(const _ZtEngineCore& engine, std::uint64_t pid, FinalStateVi
   const ZtProcKey key = {pid, start_time == nullptr ? 0 : *start_time};
   visitor.OnKey(key);
   const ProcessTree::Entry* process = engine.Tree.Find(key);
-  PathSet excluded = SuspiciousImages(engine, key, visitor);
+  const std::vector<PathText> excluded = SuspiciousImages(engine, key, visitor);
   if (process == nullptr) {
     return visitor.OnMissingProcess(key);
   }

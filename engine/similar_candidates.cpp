@@ -74,7 +74,8 @@ class KeysInTarget {
       return nullptr;
     }
     const auto is_end = [this](std::size_t end) {
-      return files_.HasMark(hash_.OfPart(beginnings_, end - FileTable::kKeyMark, end, before_end_));
+      return files_.MayEndKey(&text_[end - 2]) &&
+             files_.HasMark(hash_.OfPart(beginnings_, end - FileTable::kKeyMark, end, before_end_));
     };
     for (std::size_t word = (begin + shortest_marked_) / PlaceSet::kWordBits; word <= text_.size() / PlaceSet::kWordBits;
          ++word) {
@@ -119,15 +120,16 @@ struct SimilarCandidates::RunGreater {
 };
 
 // A path without a folder is its own folder.
-SimilarCandidates::SimilarCandidates(PathName& target, FileTable& files)  // NOLINT(cppcoreguidelines-pro-type-member-init)
+SimilarCandidates::SimilarCandidates(PathName& target, const TargetName& target_name,
+                                     FileTable& files)  // NOLINT(cppcoreguidelines-pro-type-member-init)
     : hash_(target.hash()),
       files_(files),
       search_(files.BeginSearch()),
       all_(IsTraced(kTraceDebug)),
       folder_(target.folder()),
-      name_(target.name()),
-      stem_(target.stem()),
-      dotted_(DottedExtension(name_)),
+      name_(target_name.name),
+      stem_(target_name.stem),
+      dotted_(target_name.dotted),
       beginnings_(target.Beginnings() + target.parts().name_begin),
       folder_hash_(hash_.Append(target.Beginnings()[folder_.size()], u"\\")) {
   FindDots();

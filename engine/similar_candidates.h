@@ -13,6 +13,7 @@
 
 #include "engine/files/file_table.h"
 #include "engine/files/path_name.h"
+#include "engine/name_match.h"
 
 namespace zt {
 
@@ -32,8 +33,8 @@ class SimilarCandidates {
     std::size_t position = kUnknown;  ///< Where its whole name occurs first in the target's, if that is known.
   };
 
-  /// Throws std::bad_alloc.
-  SimilarCandidates(PathName& target, FileTable& files);
+  /// `target_name` is the name of `target`. Throws std::bad_alloc.
+  SimilarCandidates(PathName& target, const TargetName& target_name, FileTable& files);
   SimilarCandidates(const SimilarCandidates&) = delete;
   SimilarCandidates& operator=(const SimilarCandidates&) = delete;
 

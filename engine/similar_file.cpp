@@ -23,7 +23,7 @@ TrackedFile* SearchSimilarFile(std::u16string& name_diff, FileTable& files, Path
   }
   TrackedFile* const contained = SmallestKeyIn(target, files);
   const TargetName target_name(target);
-  SimilarCandidates candidates(target, files);
+  SimilarCandidates candidates(target, target_name, files);
   for (auto next = candidates.Next(); next.file != nullptr; next = candidates.Next()) {
     if (contained != nullptr && !KeyLess()(next.file, contained)) {
       break;

@@ -30,6 +30,7 @@ FileTable& FileTable::operator=(FileTable&& other) noexcept {
   std::swap(stems_, taken.stems_);
   std::swap(marks_, taken.marks_);
   std::swap(key_starts_, taken.key_starts_);
+  std::swap(key_ends_, taken.key_ends_);
   std::swap(stem_starts_, taken.stem_starts_);
   std::swap(stem_ends_, taken.stem_ends_);
   std::swap(key_lengths_, taken.key_lengths_);
@@ -104,6 +105,9 @@ void FileTable::Link(TrackedFile& file, const PathParts& parts, const TextHash& 
   const std::u16string_view key = file.key.Lower();
   if (!key.empty()) {
     key_starts_.set(key.front() % key_starts_.size());
+  }
+  if (key.size() >= 2) {
+    key_ends_.set(PlaceOf(&key[key.size() - 2]));
   }
   if (parts.stem_length() >= 2) {
     stem_starts_.set(PlaceOf(&key[parts.name_begin]));

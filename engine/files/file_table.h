@@ -95,13 +95,15 @@ class FileTable {
   /// All files in the order of keys for which is(file) is true. Throws std::bad_alloc.
   template <typename Is>
   [[nodiscard]] std::vector<TrackedFile*> Sorted(const Is& is) const {
-    std::vector<TrackedFile*> files;
+    std::vector<std::pair<std::u16string_view, TrackedFile*>> by_key;  // With the key, so that it is fetched by one step less.
     ForEach([&](TrackedFile& file) {
       if (is(file)) {
-        files.push_back(&file);
+        by_key.emplace_back(file.key.Lower(), &file);
       }
     });
-    std::sort(files.begin(), files.end(), KeyLess());
+    std::sort(by_key.begin(), by_key.end(), [](const auto& a, const auto& b) { return LessUnits(a.first, b.first); });
+    std::vector<TrackedFile*> files(by_key.size());
+    std::transform(by_key.begin(), by_key.end(), files.begin(), [](const auto& file) { return file.second; });
     return files;
   }
 
@@ -130,8 +132,9 @@ class FileTable {
 
   // First questions, which are cheaper than those for marks.
 
-  /// Whether a key may begin with this unit.
+  /// Whether a key may begin with this unit, or end with the two units from `text` on.
   [[nodiscard]] bool MayBeginKey(char16_t unit) const { return key_starts_[unit % key_starts_.size()]; }
+  [[nodiscard]] bool MayEndKey(const char16_t* text) const { return key_ends_[PlaceOf(text)]; }
   /// Whether a stem may begin with the two units from `text` on, or end with them.
   [[nodiscard]] bool MayBeginStem(const char16_t* text) const { return stem_starts_[PlaceOf(text)]; }
   [[nodiscard]] bool MayEndStem(const char16_t* text) const { return stem_ends_[PlaceOf(text)]; }
@@ -164,8 +167,9 @@ class FileTable {
   HashTable<StemFiles> stems_;       ///< By the hash of folder and stem.
   HashTable<std::size_t> marks_;     ///< How many files there are of each beginning and end of keys and stems.
   std::bitset<64> key_starts_;       ///< How keys have ever begun: first units, by their remainders.
-  std::bitset<kPairs> stem_starts_;  ///< How stems have ever begun: pairs of units, by PlaceOf.
-  std::bitset<kPairs> stem_ends_;    ///< How they have ever ended.
+  std::bitset<kPairs> key_ends_;     ///< How they have ever ended: pairs of units, by PlaceOf.
+  std::bitset<kPairs> stem_starts_;  ///< The same of stems.
+  std::bitset<kPairs> stem_ends_;
   LengthCounts key_lengths_;
   LengthCounts stem_lengths_;
   LengthCounts extension_lengths_;

@@ -24,9 +24,9 @@ namespace zt {
 ///
 /// The slots lie in segments of 48, each of which holds the hashes that begin with its own bits. A segment has a tag of one
 /// byte for each slot, and the segments of a table lie close together: a question for a hash that is not there mostly reads one
-/// line of memory. A segment that is three quarters full is split in two by one more bit; two halves that are together nearly
+/// line of memory. A segment that is five sixths full is split in two by one more bit; two halves that are together nearly
 /// empty become one again. So no insertion or erasure moves more than the slots of two segments, however large the table is.
-/// (The directory of the segments doubles now and then: 8 bytes for some 25 values.)
+/// (The directory of the segments doubles now and then: 8 bytes for some 30 values.)
 ///
 /// Threads: none of its own.
 ///
@@ -93,7 +93,7 @@ class HashTable {
     if (directory_.empty()) {
       MakeFirst();
     }
-    while (directory_[IndexOf(hash)]->used >= capacity_ / 4 * 3) {
+    while (directory_[IndexOf(hash)]->used >= capacity_ / 6 * 5) {
       MakeRoom(IndexOf(hash));
     }
     Put(*directory_[IndexOf(hash)], {value, hash});

@@ -35,6 +35,17 @@ std::wstring PathText::Wide() const {
   return wide;
 }
 
+std::uint64_t PathText::Hash(const TextHash& hash) const noexcept {
+  std::uint64_t value = hash(Lower());
+  for (std::size_t unit = 0; unit < Lower().size() && text_->has_upper; ++unit) {
+    if (text_->IsUpper(unit)) {
+      const auto place = static_cast<char16_t>(unit);
+      value = hash.Append(value, {&place, 1});
+    }
+  }
+  return value;
+}
+
 bool operator==(const PathText& a, const PathText& b) noexcept {
   if (a.text_ == b.text_) {
     return true;

@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "engine/files/text_hash.h"
+
 namespace zt {
 
 /// A path in lower case, and which of its letters were upper-case where it was seen: a key and a name to show in one. Kept once
@@ -35,6 +37,8 @@ class PathText {
   }
   /// The path in its own letter case.
   [[nodiscard]] std::wstring Wide() const;
+  /// A hash of the path in its own letter case.
+  [[nodiscard]] std::uint64_t Hash(const TextHash& hash) const noexcept;
 
   /// Whether both are one text in the same letter case.
   friend bool operator==(const PathText& a, const PathText& b) noexcept;

@@ -372,13 +372,36 @@ TEST_F(FinalStateTest, EmptyPathIsTracedAsNothing) {
                                                       TraceLine{1313, "debug", " will get restored"}));
 }
 
-// The paths are chosen by what is watched: a set that finds them by a hash that everybody knows would be as slow as they like.
-template <typename Set>
-concept IsOrdered = requires(const Set& set) {
-  set.key_comp();
-};
+TEST(PathSetTest, EachPathIsTakenInOnceAndLetterCaseCounts) {
+  const PathText path = MakePath(L"C:\\d\\a.doc");
+  const PathText same = MakePath(L"C:\\d\\a.doc");
+  PathSet paths;
+  EXPECT_TRUE(paths.Add(path));
+  EXPECT_FALSE(paths.Add(path));
+  EXPECT_FALSE(paths.Add(same));
+  const PathText none;
+  EXPECT_TRUE(paths.Add(none));
+  EXPECT_FALSE(paths.Add(PathText()));
+}
 
-TEST(FinalStatePathsTest, NoChoiceOfPathsMakesThemSlow) { static_assert(IsOrdered<PathSet>); }
+// Every letter case of one path, which a watched program may use by turns: no two have one hash.
+TEST(PathSetTest, ManyCasesOfOnePathFindRoom) {
+  std::vector<PathText> cases;
+  for (unsigned bits = 0; bits < 1024; ++bits) {
+    std::wstring path = L"abcdefghij";
+    for (unsigned letter = 0; letter < 10; ++letter) {
+      path[letter] = static_cast<wchar_t>((bits >> letter & 1) != 0 ? path[letter] - L'a' + L'A' : path[letter]);
+    }
+    cases.push_back(MakePath(path));
+  }
+  PathSet paths;
+  for (const PathText& path : cases) {
+    EXPECT_TRUE(paths.Add(path));
+  }
+  for (const PathText& path : cases) {
+    EXPECT_FALSE(paths.Add(path));
+  }
+}
 
 }  // namespace
 }  // namespace zt::testing

@@ -34,7 +34,7 @@ class SimilarCandidatesTest : public ::testing::Test {
 
   std::vector<std::wstring> Of(std::wstring_view target) {
     OwnedPath path(target);
-    SimilarCandidates candidates(path.name(), files_);
+    SimilarCandidates candidates(path.name(), TargetName(path.name()), files_);
     std::vector<std::wstring> keys;
     for (auto next = candidates.Next(); next.file != nullptr; next = candidates.Next()) {
       keys.push_back(Widen(next.file->key.Lower()));

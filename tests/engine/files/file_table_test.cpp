@@ -130,6 +130,8 @@ TEST_F(FileTableTest, FirstQuestionsMissNothing) {
   Add(L"c:\\d\\report.doc");
   EXPECT_TRUE(table_.MayBeginKey(u'c'));
   EXPECT_FALSE(table_.MayBeginKey(u'd'));
+  EXPECT_TRUE(table_.MayEndKey(u"oc"));
+  EXPECT_FALSE(table_.MayEndKey(u"co"));
   EXPECT_TRUE(table_.MayBeginStem(u"re"));
   EXPECT_FALSE(table_.MayBeginStem(u"er"));
   EXPECT_TRUE(table_.MayEndStem(u"rt"));
