@@ -24,18 +24,14 @@ struct FileTable::Marks {
   std::size_t count = 0;
 };
 
+const FileTable::Outline FileTable::kNoFiles;
+
 FileTable& FileTable::operator=(FileTable&& other) noexcept {
   FileTable taken(std::move(other));
   std::swap(paths_, taken.paths_);
   std::swap(stems_, taken.stems_);
   std::swap(marks_, taken.marks_);
-  std::swap(key_starts_, taken.key_starts_);
-  std::swap(key_ends_, taken.key_ends_);
-  std::swap(stem_starts_, taken.stem_starts_);
-  std::swap(stem_ends_, taken.stem_ends_);
-  std::swap(key_lengths_, taken.key_lengths_);
-  std::swap(stem_lengths_, taken.stem_lengths_);
-  std::swap(extension_lengths_, taken.extension_lengths_);
+  std::swap(outline_, taken.outline_);
   std::swap(last_search_, taken.last_search_);
   return *this;
 }
@@ -82,9 +78,12 @@ std::uint32_t FileTable::BeginSearch() noexcept {
 
 // Throws std::bad_alloc with nothing changed.
 void FileTable::Link(TrackedFile& file, const PathParts& parts, const TextHash& hash) {
-  key_lengths_.Reserve(file.key.Lower().size());
-  stem_lengths_.Reserve(parts.stem_length());
-  extension_lengths_.Reserve(file.key.Lower().size() - parts.stem_end);
+  if (outline_ == nullptr) {
+    outline_ = std::make_unique<Outline>();
+  }
+  outline_->key_lengths.Reserve(file.key.Lower().size());
+  outline_->stem_lengths.Reserve(parts.stem_length());
+  outline_->extension_lengths.Reserve(file.key.Lower().size() - parts.stem_end);
   const Marks marks(file, parts, hash);
   std::size_t added = 0;
   try {
@@ -104,18 +103,18 @@ void FileTable::Link(TrackedFile& file, const PathParts& parts, const TextHash& 
   }
   const std::u16string_view key = file.key.Lower();
   if (!key.empty()) {
-    key_starts_.set(key.front() % key_starts_.size());
+    outline_->key_starts.set(key.front() % 64);
   }
   if (key.size() >= 2) {
-    key_ends_.set(PlaceOf(&key[key.size() - 2]));
+    outline_->key_ends.set(PlaceOf(&key[key.size() - 2]));
   }
   if (parts.stem_length() >= 2) {
-    stem_starts_.set(PlaceOf(&key[parts.name_begin]));
-    stem_ends_.set(PlaceOf(&key[parts.stem_end - 2]));
+    outline_->stem_starts.set(PlaceOf(&key[parts.name_begin]));
+    outline_->stem_ends.set(PlaceOf(&key[parts.stem_end - 2]));
   }
-  key_lengths_.Add(file.key.Lower().size());
-  stem_lengths_.Add(parts.stem_length());
-  extension_lengths_.Add(file.key.Lower().size() - parts.stem_end);
+  outline_->key_lengths.Add(file.key.Lower().size());
+  outline_->stem_lengths.Add(parts.stem_length());
+  outline_->extension_lengths.Add(file.key.Lower().size() - parts.stem_end);
 }
 
 void FileTable::Unlink(TrackedFile& file, const PathParts& parts, const TextHash& hash) noexcept {
@@ -124,9 +123,9 @@ void FileTable::Unlink(TrackedFile& file, const PathParts& parts, const TextHash
     RemoveMark(marks.hashes[mark]);
   }
   RemoveFromStem(file, parts);
-  key_lengths_.Remove(file.key.Lower().size());
-  stem_lengths_.Remove(parts.stem_length());
-  extension_lengths_.Remove(file.key.Lower().size() - parts.stem_end);
+  outline_->key_lengths.Remove(file.key.Lower().size());
+  outline_->stem_lengths.Remove(parts.stem_length());
+  outline_->extension_lengths.Remove(file.key.Lower().size() - parts.stem_end);
 }
 
 void FileTable::RemoveMark(std::uint64_t hash) noexcept {

@@ -7,6 +7,7 @@
 #include <bitset>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -133,16 +134,16 @@ class FileTable {
   // First questions, which are cheaper than those for marks.
 
   /// Whether a key may begin with this unit, or end with the two units from `text` on.
-  [[nodiscard]] bool MayBeginKey(char16_t unit) const { return key_starts_[unit % key_starts_.size()]; }
-  [[nodiscard]] bool MayEndKey(const char16_t* text) const { return key_ends_[PlaceOf(text)]; }
+  [[nodiscard]] bool MayBeginKey(char16_t unit) const { return outline().key_starts[unit % 64]; }
+  [[nodiscard]] bool MayEndKey(const char16_t* text) const { return outline().key_ends[PlaceOf(text)]; }
   /// Whether a stem may begin with the two units from `text` on, or end with them.
-  [[nodiscard]] bool MayBeginStem(const char16_t* text) const { return stem_starts_[PlaceOf(text)]; }
-  [[nodiscard]] bool MayEndStem(const char16_t* text) const { return stem_ends_[PlaceOf(text)]; }
+  [[nodiscard]] bool MayBeginStem(const char16_t* text) const { return outline().stem_starts[PlaceOf(text)]; }
+  [[nodiscard]] bool MayEndStem(const char16_t* text) const { return outline().stem_ends[PlaceOf(text)]; }
 
-  [[nodiscard]] const PlaceSet& key_lengths() const { return key_lengths_.lengths(); }
-  [[nodiscard]] const PlaceSet& stem_lengths() const { return stem_lengths_.lengths(); }
+  [[nodiscard]] const PlaceSet& key_lengths() const { return outline().key_lengths.lengths(); }
+  [[nodiscard]] const PlaceSet& stem_lengths() const { return outline().stem_lengths.lengths(); }
   /// Of what follows the stem: the dot and the extension; 0 for names without a dot.
-  [[nodiscard]] const PlaceSet& extension_lengths() const { return extension_lengths_.lengths(); }
+  [[nodiscard]] const PlaceSet& extension_lengths() const { return outline().extension_lengths.lengths(); }
 
   /// A number that no file's or group's last_search has yet.
   std::uint32_t BeginSearch() noexcept;
@@ -150,6 +151,19 @@ class FileTable {
  private:
   struct Marks;
   static constexpr std::size_t kPairs = 1024;
+
+  /// What first questions are answered by.
+  struct Outline {
+    std::bitset<64> key_starts;       ///< How keys have ever begun: first units, by their remainders.
+    std::bitset<kPairs> key_ends;     ///< How they have ever ended: pairs of units, by PlaceOf.
+    std::bitset<kPairs> stem_starts;  ///< The same of stems.
+    std::bitset<kPairs> stem_ends;
+    LengthCounts key_lengths;
+    LengthCounts stem_lengths;
+    LengthCounts extension_lengths;
+  };
+  [[nodiscard]] const Outline& outline() const { return outline_ == nullptr ? kNoFiles : *outline_; }
+  static const Outline kNoFiles;
 
   void Link(TrackedFile& file, const PathParts& parts, const TextHash& hash);
   void Unlink(TrackedFile& file, const PathParts& parts, const TextHash& hash) noexcept;
@@ -163,16 +177,10 @@ class FileTable {
   /// The place of a pair of units. Names differ most in the lower bits of their units.
   static std::size_t PlaceOf(const char16_t* pair) { return (pair[0] * 33U ^ pair[1]) % kPairs; }
 
-  HashTable<TrackedFile*> paths_;    ///< By the hash of the whole path.
-  HashTable<StemFiles> stems_;       ///< By the hash of folder and stem.
-  HashTable<std::size_t> marks_;     ///< How many files there are of each beginning and end of keys and stems.
-  std::bitset<64> key_starts_;       ///< How keys have ever begun: first units, by their remainders.
-  std::bitset<kPairs> key_ends_;     ///< How they have ever ended: pairs of units, by PlaceOf.
-  std::bitset<kPairs> stem_starts_;  ///< The same of stems.
-  std::bitset<kPairs> stem_ends_;
-  LengthCounts key_lengths_;
-  LengthCounts stem_lengths_;
-  LengthCounts extension_lengths_;
+  HashTable<TrackedFile*> paths_;     ///< By the hash of the whole path.
+  HashTable<StemFiles> stems_;        ///< By the hash of folder and stem.
+  HashTable<std::size_t> marks_;      ///< How many files there are of each beginning and end of keys and stems.
+  std::unique_ptr<Outline> outline_;  ///< Made with the first file.
   std::uint32_t last_search_ = 0;
 };
 
