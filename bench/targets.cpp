@@ -37,6 +37,7 @@ constexpr std::array kTargets = {
     Target{"one file a stem: worst us", "Hostile/one_file_a_stem:worst_us", nullptr, true, 1000},
     Target{"every part of one name: worst us", "Hostile/every_part:worst_us", nullptr, true, 1000},
     Target{"traced, one stem : walk", "Traced/one_stem:to_walk", nullptr, true, 1.2},
+    Target{"traced, dots : walk", "Traced/dots:to_walk", nullptr, true, 1.2},
     Target{"traced, stems of every length : walk", "Traced/every_stem:to_walk", nullptr, true, 1.2},
     Target{"traced, stems inside stems : walk", "Traced/stems_inside_stems:to_walk", nullptr, true, 1.2},
     Target{"traced, every part of one name : walk", "Traced/every_part:to_walk", nullptr, true, 1.2},
