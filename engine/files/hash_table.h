@@ -74,8 +74,8 @@ class HashTable {
     return nullptr;
   }
 
-  // Of a large table, little is in the processor's caches. Who has several questions does the first of these for all of them,
-  // then the second, and then asks: so the memory is fetched for all at the same time.
+  // Most of a large table is not in the processor's caches. A caller with several questions calls FetchDirectory for all of
+  // them, then FetchSegment for all of them, and only then Find: so their memory is fetched at the same time.
 
   void FetchDirectory(std::uint64_t hash) const noexcept {
     if (!directory_.empty()) {

@@ -111,7 +111,7 @@ TEST_F(FileTableTest, LengthsBeginningsAndEndsAreKnownAsLongAsAFileHasThem) {
   EXPECT_EQ(known(), 3);
   EXPECT_TRUE(table_.HasMark(hash_(u"*ort")));
   EXPECT_TRUE(table_.HasMark(hash_(u"*air")));
-  EXPECT_FALSE(table_.HasMark(hash_(u".doc")));  // An end is no beginning.
+  EXPECT_FALSE(table_.HasMark(hash_(u".doc")));  // Marks of ends do not count as marks of beginnings.
   EXPECT_TRUE(table_.key_lengths().Has(15));
   EXPECT_TRUE(table_.stem_lengths().Has(6));
   EXPECT_TRUE(table_.extension_lengths().Has(4));
