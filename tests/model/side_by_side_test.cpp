@@ -230,7 +230,8 @@ TEST_P(SideBySideTest, EngineAndModelGiveTheSameResultsAndTrace) {
   }
 }
 
-// One engine that fills: 120,000 calls lead to more than 20,000 tracked files. Untraced, as the model's search walks all of them.
+// One engine that fills: 120,000 calls lead to more than 20,000 tracked files. Untraced, as the model's search walks all of
+// them.
 class LongHistoryTest : public ::testing::TestWithParam<std::uint64_t> {};
 
 TEST_P(LongHistoryTest, EngineAndModelGiveTheSameResults) {
