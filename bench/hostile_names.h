@@ -95,7 +95,7 @@ inline Shape KeysWithoutFolder(std::size_t /*files*/) {
   return shape;
 }
 
-/// Every part of one name, of 255 units for 32,385 files and more: as many files as can be occur in the target's name.
+/// Every part of one name, of 255 units for more than 32,385 files: as many files as can be occur in the target's name.
 inline Shape EveryPart(std::size_t files) {
   std::mt19937 random(1);
   std::wstring name;

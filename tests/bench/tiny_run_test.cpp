@@ -81,7 +81,7 @@ TEST_F(TinyRunTest, TheOfficeReachesTheHighestScore) {
   EXPECT_EQ(Figure("ReplayOffice:events"), 329);
 }
 
-TEST_F(TinyRunTest, HostileNamesAreAllTracked) {
+TEST_F(TinyRunTest, HostileShapesHaveTheirSizes) {
   EXPECT_EQ(Figure("Hostile/one_stem:files"), 300);
   EXPECT_EQ(Figure("Hostile/one_letter_and_mark:files"), 240);
   EXPECT_EQ(Figure("Hostile/keys_without_folder:files"), 500);
